@@ -1,0 +1,97 @@
+// The label file: what the controller's memory holds, under which names, and how people see it.
+//
+// One model for both tools. It knows nothing of the driver and of Qt; vornex-label turns it into driver records.
+#ifndef VORNEX_TOOLS_LABEL_FILE_H
+#define VORNEX_TOOLS_LABEL_FILE_H
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace vornex {
+
+// How people see the bytes of an element. Default: unsigned of the element's size, Text for type codes 10 and 11.
+enum class View { Default, U8, S8, U16, S16, U32, S32, U64, S64, F32, F64, Bool, Hex, Text, Bytes };
+
+// Inclusive bounds of one array dimension.
+struct Index_Bounds {
+    int low = 0;
+    int high = 0;
+};
+
+// "4[0..2,0..3]/16": an elementary type code or a structure's name, bounds, radix of the indexes.
+struct Type_Ref {
+    int code = 0;                      // 1 to 11, or 12 for a structure
+    std::string structName;            // set for code 12
+    std::vector<Index_Bounds> bounds;  // outermost first; empty: not an array
+    int radix = 10;
+};
+
+struct Label {
+    std::string name;
+    Type_Ref type;
+    std::uint32_t at = 0;  // label: byte address; member: byte offset in its structure
+    View view = View::Default;
+    std::string unit;
+    std::string sim;  // how the simulator moves the value, e.g. "ramp(0,3000,500)"; labels and members
+    int line = 0;     // where it stands in the file, counted from 1; 0: unknown
+};
+
+struct Struct_Type {
+    std::string name;
+    std::uint32_t size = 0;  // bytes of one structure
+    std::vector<Label> members;
+    int line = 0;
+};
+
+struct Label_File {
+    std::string path;
+    std::string target;  // "host:port", may be empty
+    std::map<std::string, Struct_Type> structs;
+    std::vector<Label> labels;
+};
+
+// A mistake in a file the user wrote: what() is "FILE:LINE: label 'NAME': REASON", ready to print.
+class File_Error : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Reads and checks a whole file (JSON with // and /* */ comments). Throws File_Error for the first mistake: syntax,
+// unknown keys, missing keys, unknown types, views and structures, structures that contain themselves, bounds upside
+// down, radix outside 2 to 36, addresses beyond 32 bits, duplicate names, members outside their structure.
+Label_File readLabelFile(const std::string& path);
+// The same for text in memory; `path` is only for messages.
+Label_File parseLabelFile(const std::string& text, const std::string& path);
+
+// "MotorT[1..4]/16" as in the file. Throws std::invalid_argument with the reason.
+Type_Ref parseType(const std::string& text);
+std::string formatType(const Type_Ref& type);
+std::optional<View> parseView(const std::string& text);
+std::string viewName(View view);
+
+// Bytes of one element: 1 1 2 2 4 4 4 8 8 255 255 for codes 1 to 11; the structure's size for code 12.
+std::uint32_t elementBytes(const Label_File& file, const Type_Ref& type);
+// Elements of the whole array, 1 when it is none.
+std::uint64_t elementCount(const Type_Ref& type);
+
+// An elementary variable, as reached by a full label text: "Motors[2].Speed", "Grid[1,3]" or "Buf[1A]" (radix 16).
+struct Leaf {
+    std::string text;             // the label text that the driver resolves
+    const Label* definition = nullptr;  // the label or member that ends the path
+    std::uint32_t address = 0;
+    int code = 0;                 // 1 to 11
+    std::uint32_t bytes = 0;      // of one element
+    View view = View::Default;    // resolved: never Default
+};
+
+// Calls `visit` for every elementary element in the file, in file order, arrays in row-major order. Stops when it
+// returns false.
+void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit);
+
+}  // namespace vornex
+
+#endif
