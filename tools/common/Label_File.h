@@ -80,12 +80,12 @@ std::uint64_t elementCount(const Type_Ref& type);
 
 // An elementary variable, as reached by a full label text: "Motors[2].Speed", "Grid[1,3]" or "Buf[1A]" (radix 16).
 struct Leaf {
-    std::string text;             // the label text that the driver resolves
+    std::string text;                   // the label text that the driver resolves
     const Label* definition = nullptr;  // the label or member that ends the path
     std::uint32_t address = 0;
-    int code = 0;                 // 1 to 11
-    std::uint32_t bytes = 0;      // of one element
-    View view = View::Default;    // resolved: never Default
+    int code = 0;               // 1 to 11
+    std::uint32_t bytes = 0;    // of one element
+    View view = View::Default;  // resolved: never Default
 };
 
 // Calls `visit` for every elementary element in the file, in file order, arrays in row-major order. Stops when it

@@ -1,0 +1,95 @@
+// The walk over every elementary element.
+#include <algorithm>
+
+#include "Label_File.h"
+
+namespace vornex {
+namespace {
+
+std::string formatIndex(int index, int radix) {
+    const bool negative = index < 0;
+    std::int64_t rest = negative ? -std::int64_t(index) : index;
+    std::string digits;
+    do {
+        digits += "0123456789abcdefghijklmnopqrstuvwxyz"[rest % radix];
+        rest /= radix;
+    } while (rest);
+    if (negative) digits += '-';
+    std::reverse(digits.begin(), digits.end());
+    return digits;
+}
+
+View resolveView(const Label& label) {
+    if (label.view != View::Default) return label.view;
+    constexpr View Views[] = {View::U8,  View::U8,  View::U16, View::U16,  View::U32, View::U32,
+                              View::U32, View::U64, View::U64, View::Text, View::Text};
+    return Views[label.type.code - 1];
+}
+
+// Steps the indexes to the next element, the last one fastest. False after the last element.
+bool nextElement(const Type_Ref& type, std::vector<int>& indexes) {
+    for (std::size_t d = indexes.size(); d-- > 0;) {
+        if (indexes[d] < type.bounds[d].high) {
+            ++indexes[d];
+            return true;
+        }
+        indexes[d] = type.bounds[d].low;
+    }
+    return false;
+}
+
+std::string indexGroup(const Type_Ref& type, const std::vector<int>& indexes) {
+    std::string text;
+    for (const int index : indexes) {
+        text += text.empty() ? '[' : ',';
+        text += formatIndex(index, type.radix);
+    }
+    return text.empty() ? text : text + "]";
+}
+
+class Leaf_Walk {
+public:
+    Leaf_Walk(const Label_File& labelFile, const std::function<bool(const Leaf&)>& visitor)
+        : file(labelFile), visit(visitor) {}
+
+    // False when the visitor had enough.
+    bool walk(const Label& label, const std::string& prefix, std::uint32_t base) const {
+        const std::uint32_t step = elementBytes(file, label.type);
+        std::uint32_t address = base + label.at;
+        std::vector<int> indexes;
+        for (const Index_Bounds& bounds : label.type.bounds)
+            indexes.push_back(bounds.low);
+        do {
+            if (!element(label, prefix + label.name + indexGroup(label.type, indexes), address, step)) return false;
+            address += step;
+        } while (nextElement(label.type, indexes));
+        return true;
+    }
+
+private:
+    bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes) const {
+        if (label.type.code != 12) {
+            return visit({text, &label, address, label.type.code, bytes, resolveView(label)});
+        }
+        const auto found = file.structs.find(label.type.structName);
+        if (found == file.structs.end()) return true;
+        for (const Label& member : found->second.members) {
+            if (!walk(member, text + ".", address)) return false;
+        }
+        return true;
+    }
+
+    const Label_File& file;
+    const std::function<bool(const Leaf&)>& visit;
+};
+
+}  // namespace
+
+void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit) {
+    const Leaf_Walk walk(file, visit);
+    for (const Label& label : file.labels) {
+        if (!walk.walk(label, "", 0)) return;
+    }
+}
+
+}  // namespace vornex
