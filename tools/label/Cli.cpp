@@ -1,0 +1,98 @@
+#include "Cli.h"
+
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "Help.h"
+#include "Tool.h"
+#include "Verb_Table.h"
+
+namespace vornex {
+
+namespace {
+
+template <class Type>
+CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& help, Type* target) {
+    return app.add_option(names, *target, help);
+}
+
+CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& help, bool* target) {
+    return app.add_flag(names, *target, help);
+}
+
+CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& help,
+                    std::vector<std::string>* target) {
+    CLI::Option* option = app.add_option(names, *target, help);
+    // An option takes one value each time it is given, an argument as many as follow.
+    if (names.front() == '-') option->expected(1)->take_all();
+    return option;
+}
+
+void addOption(CLI::App& app, const Option& option, const std::string& group) {
+    CLI::Option* added = std::visit([&](auto* target) { return bindTo(app, option.names, option.help, target); },
+                                    option.target);
+    if (!option.value.empty()) added->type_name(option.value);
+    if (option.isArgument()) added->type_name("");
+    if (option.required) added->required();
+    if (!option.choices.empty()) added->check(CLI::IsMember(option.choices));
+    if (option.low || option.high) added->check(CLI::Range(option.low.value_or(0), option.high.value_or(0)));
+    if (!group.empty()) added->group(group);
+}
+
+// The subcommand for a name of one word or two; a group is made when its first verb comes.
+CLI::App& subcommand(CLI::App& app, const Verb& verb) {
+    const std::size_t space = verb.name.find(' ');
+    if (space == std::string::npos) return *app.add_subcommand(verb.name, verb.summary);
+    const std::string group = verb.name.substr(0, space);
+    const auto found = app.get_subcommands([&group](CLI::App* other) { return other->get_name() == group; });
+    CLI::App* const parent =
+        found.empty() ? app.add_subcommand(group, "Work on label files")->require_subcommand(1) : found.front();
+    return *parent->add_subcommand(verb.name.substr(space + 1), verb.summary);
+}
+
+void addVerb(CLI::App& app, const Verb& verb, const std::vector<Option>& common, const Verb*& chosen) {
+    CLI::App& command = subcommand(app, verb);
+    if (verb.hidden) command.group("");
+    if (!verb.description.empty()) command.description(verb.description);
+    command.footer(exampleText(verb));
+    for (const Option& option : verb.options) addOption(command, option, "");
+    for (const Option& option : common) addOption(command, option, "Common options");
+    command.callback([&chosen, &verb] { chosen = &verb; });
+}
+
+int runVerb(const Verb& verb, const Common_Options& options) {
+    Tool tool(options);
+    try {
+        return static_cast<int>(verb.run(tool));
+    } catch (const Tool_Error& error) {
+        tool.out.error(error.what());
+        return static_cast<int>(error.code);
+    }
+}
+
+}  // namespace
+
+int runTool(int argc, char** argv) {
+    CLI::App app("Reads, writes and watches the labels of a controller through the driver, as a panel does.",
+                 "vornex-label");
+    app.set_version_flag("--version", versionText());
+    app.require_subcommand(1);
+    app.footer("Every verb has its own --help with examples.");
+
+    Common_Options options;
+    const std::vector<Option> common = commonOptions(options);
+    const std::vector<Verb> verbs = allVerbs();
+    const Verb* chosen = nullptr;
+    for (const Option& option : common) addOption(app, option, "Common options");
+    for (const Verb& verb : verbs) addVerb(app, verb, common, chosen);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int code = app.exit(error, std::cout, std::cerr);
+        return code == 0 ? 0 : static_cast<int>(Exit_Code::Usage);
+    }
+    return runVerb(*chosen, options);
+}
+
+}  // namespace vornex

@@ -1,0 +1,37 @@
+#include "Tool.h"
+
+namespace vornex {
+
+namespace {
+
+Output::Format formatOf(const std::string& name) {
+    if (name == "json") return Output::Format::Json;
+    return name == "csv" ? Output::Format::Csv : Output::Format::Text;
+}
+
+}  // namespace
+
+Tool::Tool(const Common_Options& commonOptions)
+    : options(commonOptions), out(formatOf(commonOptions.format), commonOptions.quiet, commonOptions.verbose) {}
+
+const Label_File& Tool::labels() {
+    if (labelFile) return *labelFile;
+    if (options.labelFile.empty()) throw Tool_Error(Exit_Code::Usage, "no label file: name one with -l FILE");
+    try {
+        labelFile = std::make_unique<Label_File>(readLabelFile(options.labelFile));
+    } catch (const File_Error& mistake) {
+        throw Tool_Error(Exit_Code::Label, mistake.what());
+    }
+    out.detail("label file " + options.labelFile + ": " + std::to_string(labelFile->labels.size()) + " labels");
+    return *labelFile;
+}
+
+const Driver_Library& Tool::driver() {
+    if (!library) {
+        library = std::make_unique<Driver_Library>(options.library);
+        out.detail("driver library " + library->path());
+    }
+    return *library;
+}
+
+}  // namespace vornex

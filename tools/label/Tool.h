@@ -1,0 +1,34 @@
+// What a verb works with: options, output, the label file and the driver, the last two fetched when first asked for.
+#ifndef VORNEX_LABEL_TOOL_H
+#define VORNEX_LABEL_TOOL_H
+
+#include <memory>
+#include <string>
+
+#include "../common/Label_File.h"
+#include "Common_Options.h"
+#include "Driver_Library.h"
+#include "Output.h"
+
+namespace vornex {
+
+class Tool {
+public:
+    explicit Tool(const Common_Options& commonOptions);
+
+    // The label file of -l. Throws Tool_Error: Usage without -l, Label for a mistake in the file.
+    const Label_File& labels();
+    // The driver, loaded. Throws Tool_Error Library.
+    const Driver_Library& driver();
+
+    const Common_Options options;
+    Output out;
+
+private:
+    std::unique_ptr<Label_File> labelFile;
+    std::unique_ptr<Driver_Library> library;
+};
+
+}  // namespace vornex
+
+#endif

@@ -1,0 +1,51 @@
+// The hidden verbs by which the build writes the manual pages and the completion.
+#include <memory>
+
+#include "Help.h"
+#include "Tool.h"
+#include "Verb_Table.h"
+
+namespace vornex {
+
+namespace {
+
+Exit_Code printManPage(Tool& tool, const std::string& name) {
+    const std::vector<Verb> verbs = allVerbs();
+    if (name.empty()) {
+        tool.out.text(manPage(verbs));
+        return Exit_Code::Ok;
+    }
+    for (const Verb& verb : verbs) {
+        if (verb.name != name) continue;
+        tool.out.text(verbManPage(verb));
+        return Exit_Code::Ok;
+    }
+    throw Tool_Error(Exit_Code::Usage, "no verb '" + name + "'");
+}
+
+}  // namespace
+
+Verb manVerb() {
+    const auto name = std::make_shared<std::string>();
+    Verb verb;
+    verb.name = "man";
+    verb.summary = "Print the manual page of the tool or of a verb";
+    verb.options = {Option("VERB", "", "The verb; without it the page of the tool.", name.get())};
+    verb.run = [name](Tool& tool) { return printManPage(tool, *name); };
+    verb.hidden = true;
+    return verb;
+}
+
+Verb completionVerb() {
+    Verb verb;
+    verb.name = "completion";
+    verb.summary = "Print the bash completion";
+    verb.run = [](Tool& tool) {
+        tool.out.text(bashCompletion(allVerbs()));
+        return Exit_Code::Ok;
+    };
+    verb.hidden = true;
+    return verb;
+}
+
+}  // namespace vornex

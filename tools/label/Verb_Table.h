@@ -1,0 +1,19 @@
+// Every verb of the tool.
+#ifndef VORNEX_LABEL_VERB_TABLE_H
+#define VORNEX_LABEL_VERB_TABLE_H
+
+#include <vector>
+
+#include "Verb.h"
+
+namespace vornex {
+
+// In the order of the help.
+std::vector<Verb> allVerbs();
+
+Verb manVerb();
+Verb completionVerb();
+
+}  // namespace vornex
+
+#endif
