@@ -20,6 +20,20 @@
 #error "VORNEX_HOST_VAR_DATA_BYTES must be at least 1 (1 and 0 give the same layout)"
 #endif
 
+// Result codes in RW_VAR::status. In the bands the type offset is added: varType when it is 1 to 11, else 0.
+enum Result_Code {
+    ResultRetrying = 0,             // a failed frame stays in flight: send it again
+    ResultGood = 1,                 // good reply
+    ResultBadReply = 11,            // 11 to 22: given up, local area: too short, wrong check value or wrong item counts
+    ResultNoReply = 41,             // 41 to 52: given up, local area: no reply where one was expected
+    ResultWrongLength = 71,         // 71 to 82: given up, local area: reply of another length than expected
+    ResultGoodRemote = 100,         // good remote-area reply that was not stored, or the second one of a request
+    ResultRemoteBadReply = 111,     // 111 to 122: given up, remote area, as 11 to 22
+    ResultRemoteNoReply = 141,      // 141 to 152: given up, remote area, as 41 to 52
+    ResultRemoteWrongLength = 171,  // 171 to 182: given up, remote area, as 71 to 82
+    ResultUnknownCheck = 200,       // never given
+};
+
 // One variable request: a read or a write of a run of controller bytes.
 struct RW_VAR {
     int varType = 0;       // host's type code of the variable; 1 to 11 choose the offset in the error bands

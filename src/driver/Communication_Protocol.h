@@ -1,0 +1,75 @@
+// The driver object: all state of the driver, each member with the lock or thread that owns it.
+#ifndef VORNEX_DRIVER_COMMUNICATION_PROTOCOL_H
+#define VORNEX_DRIVER_COMMUNICATION_PROTOCOL_H
+
+#include <QtCore/QHash>
+#include <QtCore/QMap>
+
+#include "driver/Mutex.h"
+#include "vornex_label_tcp/Entry_Points.h"
+
+// Element type of Communication_Protocol::extendList, which nothing uses.
+struct EXTENDVAR {
+    qint32 word0 = 0;
+    qint32 word1 = 0;
+    qint32 word2 = 0;
+    qint32 word3 = 0;
+};
+
+// Kind of the request in flight; tells the reply dispatch which list the reply belongs to.
+enum Request_Kind { CyclicRead = 0, Write = 1, OnceRead = 2, NoRequestYet = 100 };
+
+// RW_VAR::status of the entry at the head of readList whose read was sent and not yet answered.
+enum { StatusReplyPending = -1 };
+
+// Entries that writeList and onceReadList hold at most.
+enum { QueueLimit = 2048 };
+
+// Order of the locks: listMutex first; stationMutex, dataMutex and labelMutex are taken inside it or alone, never two
+// of these three together. "Exchange thread": the host's one thread that calls ComCommunication and DataCom in turn.
+class Communication_Protocol {
+public:
+    Communication_Protocol();
+
+    ComInfo* comInfo;                                  // set-up; its driver words: exchange thread, finishFlag: atomic
+    QList<RW_VAR> readList GUARDED_BY(listMutex);      // cyclic list; its head is the next to read
+    QList<RW_VAR> writeList GUARDED_BY(listMutex);     // at most QueueLimit entries
+    QList<RW_VAR> onceReadList GUARDED_BY(listMutex);  // at most QueueLimit entries
+    QList<RW_VAR> spareList;                           // never used
+    QList<Protocol> protocolList;                      // exchange thread; empty: no request in flight
+    QList<EXTENDVAR> extendList;                       // never used
+    Notify_Func notifyFunc;                            // set-up
+    Failure_Func failureFunc;                          // set-up
+    Driver_Mutex listMutex ACQUIRED_BEFORE(dataMutex, stationMutex, labelMutex);
+    Driver_Mutex dataMutex;
+    Driver_Mutex stationMutex;
+    QMap<int, int> stationMap GUARDED_BY(stationMutex);  // disabled stations; every value is 0
+    RW_VAR result GUARDED_BY(listMutex);                 // filled and returned by DataCom
+    int currentKind GUARDED_BY(listMutex);               // Request_Kind
+    int writeBurst GUARDED_BY(listMutex);                // writes served in a row
+    int onceReadBurst GUARDED_BY(listMutex);             // one-shot reads served in a row
+    int cycleCount GUARDED_BY(listMutex);                // local requests done towards the first full cyclic pass
+    bool commFailed;  // atomic: the driver gave up and no good reply has come since
+    bool spareFlag;   // never used
+    // Reads that the frame in flight serves. Changed under the lock by the exchange thread alone, which may therefore
+    // read it without.
+    QList<RW_VAR> groupList GUARDED_BY(listMutex);
+    QHash<QString, Label_Type_Info> labelTable GUARDED_BY(labelMutex);
+    QHash<unsigned int, unsigned char> dataImage GUARDED_BY(dataMutex);  // entries are never removed
+    QHash<QString, ControlInformationM> labelCache GUARDED_BY(labelMutex);
+    Driver_Mutex labelMutex;
+    quint32 labelGeneration GUARDED_BY(labelMutex);  // counts label deliveries, so that no stale record is cached
+
+private:
+    Communication_Protocol(const Communication_Protocol&);
+    Communication_Protocol& operator=(const Communication_Protocol&);
+};
+
+// The one driver object, constructed when the library is loaded.
+VORNEX_EXPORT extern Communication_Protocol PLC_driver;
+
+// Copies every field but `data`, which becomes empty in `target`.
+// Thread, locks: the caller's.
+VORNEX_EXPORT void passRetValue(const RW_VAR& source, RW_VAR& target);
+
+#endif

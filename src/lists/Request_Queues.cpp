@@ -1,0 +1,65 @@
+// The three entry points by which requests are queued one by one.
+#include "driver/Communication_Protocol.h"
+#include "label/Label_Resolution.h"
+
+namespace {
+
+bool sameRead(const RW_VAR& a, const RW_VAR& b) {
+    return a.address == b.address && a.length == b.length && a.varId == b.varId && a.varType == b.varType &&
+           a.station == b.station && a.dataType == b.dataType && a.areaId == b.areaId;
+}
+
+bool isQueued(const RW_VAR& request) REQUIRES(PLC_driver.listMutex) {
+    const QList<RW_VAR>& queue = PLC_driver.onceReadList;
+    for (int i = 0; i < queue.size(); ++i)
+        if (sameRead(queue.at(i), request)) return true;
+    return false;
+}
+
+// Cuts the read into pieces and queues those that are not queued yet. The record runs along: it ends as the last
+// piece, with the address one past it.
+void queuePieces(RW_VAR& record, int maxBytes) REQUIRES(PLC_driver.listMutex) {
+    for (int left = record.length; left > 0;) {
+        if (PLC_driver.onceReadList.size() >= QueueLimit) {
+            // Nothing more can be queued; only the record's end is still to be told.
+            record.length = left % maxBytes != 0 ? left % maxBytes : maxBytes;
+            record.address += static_cast<quint32>(left);
+            return;
+        }
+        record.length = qMin(left, maxBytes);
+        if (!isQueued(record)) PLC_driver.onceReadList.append(record);
+        record.address += static_cast<quint32>(record.length);
+        left -= record.length;
+    }
+}
+
+}  // namespace
+
+int AddListWriteVar(RW_VAR* request) {
+    const Mutex_Lock lock(PLC_driver.listMutex);
+    if (PLC_driver.writeList.size() < QueueLimit) PLC_driver.writeList.append(*request);
+    return PLC_driver.writeList.size();
+}
+
+int AddListReadVar(RW_VAR* request) {
+    const Mutex_Lock lock(PLC_driver.listMutex);
+    PLC_driver.readList.append(*request);
+    return PLC_driver.readList.size();
+}
+
+int AddListOnceReadVar(RW_VAR* record) {
+    QString label = record->label;
+    ControlInformationM info;
+    if (resolveHostLabel(label, record->labelIndex, info) != HostLabelResolved) return 0;
+
+    const ComInfo& settings = *PLC_driver.comInfo;
+    if (settings.multiStation == 0) record->station = settings.stationNo;
+    record->address = info.address;
+    record->remoteStore = 0;
+    record->reserved14 = 0;
+
+    const Mutex_Lock lock(PLC_driver.listMutex);
+    // Below 1 nothing can be cut, and the loop would never end.
+    if (settings.maxBytesPerRequest >= 1) queuePieces(*record, settings.maxBytesPerRequest);
+    return PLC_driver.onceReadList.size();
+}
