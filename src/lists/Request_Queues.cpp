@@ -9,8 +9,7 @@ bool sameRead(const RW_VAR& a, const RW_VAR& b) {
            a.station == b.station && a.dataType == b.dataType && a.areaId == b.areaId;
 }
 
-bool isQueued(const RW_VAR& request) REQUIRES(PLC_driver.listMutex) {
-    const QList<RW_VAR>& queue = PLC_driver.onceReadList;
+bool isQueued(const QList<RW_VAR>& queue, const RW_VAR& request) {
     for (int i = 0; i < queue.size(); ++i)
         if (sameRead(queue.at(i), request)) return true;
     return false;
@@ -27,7 +26,7 @@ void queuePieces(RW_VAR& record, int maxBytes) REQUIRES(PLC_driver.listMutex) {
             return;
         }
         record.length = qMin(left, maxBytes);
-        if (!isQueued(record)) PLC_driver.onceReadList.append(record);
+        if (!isQueued(PLC_driver.onceReadList, record)) PLC_driver.onceReadList.append(record);
         record.address += static_cast<quint32>(record.length);
         left -= record.length;
     }
