@@ -362,19 +362,29 @@ end
 
 local sizes = { u8 = 1, s8 = 1, u16 = 2, s16 = 2, u32 = 4, s32 = 4, f32 = 4, u64 = 8, s64 = 8, f64 = 8 }
 
-local function floatText(number) return string.format("%.9g", number) end
+-- As vornex-label shows them: hex up to 8 bytes is one number, longer runs and bytes stand in the order of the wire.
+local function hexText(range, view)
+    local bytes = range:raw()
+    if view == "hex" and #bytes <= 8 then
+        return "0x" .. bytes:reverse():gsub(".", function(c) return string.format("%02X", c:byte()) end)
+    end
+    return range:bytes():tohex(false, " ")
+end
+
+local function printable(text)
+    return text:gsub("[^\32-\126]", function(c) return string.format("\\x%02X", c:byte()) end)
+end
 
 local function valueText(range, view)
     local bytes = range:len()
     if view == "text" then
-        local text = range:raw():match("^[^%z]*")
-        return '"' .. text:gsub("[^\32-\126]", function(c) return string.format("\\x%02x", c:byte()) end) .. '"'
-    elseif view == "bool" and bytes == 1 then
-        return range:uint() ~= 0 and "true" or "false"
+        return '"' .. printable(range:raw():match("^[^%z]*")) .. '"'
+    elseif view == "bool" then
+        return range:raw():find("[^%z]") and "true" or "false"
     elseif sizes[view] ~= bytes then
-        return range:bytes():tohex(true, " ")
+        return hexText(range, view)
     elseif view == "f32" or view == "f64" then
-        return floatText(range:le_float())
+        return string.format(bytes == 4 and "%.7g" or "%.15g", range:le_float())
     elseif bytes == 8 then
         return tostring(view == "u64" and range:le_uint64() or range:le_int64())
     end
