@@ -9,7 +9,8 @@
 #include <set>
 #include <sstream>
 
-#include "Json_Tree.h"
+#include "Label_Csv.h"
+#include "Label_Tree.h"
 
 namespace vornex {
 namespace {
@@ -228,8 +229,7 @@ void readTarget(const Place& place, const Json_Node& root, Label_File& file) {
 
 }  // namespace
 
-Label_File parseLabelFile(const std::string& text, const std::string& path) {
-    const Json_Node root = parseJson(text, path);
+Label_File labelFileOf(const Json_Node& root, const std::string& path) {
     const Place place = {path, ""};
     requireKind(place, root, Json_Node::Kind::Object, "the file");
     checkKeys(place, root, {"format", "target", "structs", "labels"});
@@ -250,12 +250,18 @@ Label_File parseLabelFile(const std::string& text, const std::string& path) {
     return file;
 }
 
+Label_File parseLabelFile(const std::string& text, const std::string& path) {
+    return labelFileOf(parseJson(text, path), path);
+}
+
 Label_File readLabelFile(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
     std::ostringstream text;
     if (stream) text << stream.rdbuf();
     if (!stream.is_open()) throw File_Error(path + ": cannot be read: " + std::strerror(errno));
-    return parseLabelFile(text.str(), path);
+    const std::size_t dot = path.rfind('.');
+    const bool isCsv = dot != std::string::npos && (path.substr(dot) == ".csv" || path.substr(dot) == ".CSV");
+    return isCsv ? parseLabelCsv(text.str(), path) : parseLabelFile(text.str(), path);
 }
 
 }  // namespace vornex

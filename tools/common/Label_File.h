@@ -63,6 +63,7 @@ class File_Error : public std::runtime_error {
 // Reads and checks a whole file (JSON with // and /* */ comments). Throws File_Error for the first mistake: syntax,
 // unknown keys, missing keys, unknown types, views and structures, structures that contain themselves, bounds upside
 // down, radix outside 2 to 36, addresses beyond 32 bits, duplicate names, members outside their structure.
+// A file whose name ends in .csv is read as Label_Csv.h describes.
 Label_File readLabelFile(const std::string& path);
 // The same for text in memory; `path` is only for messages.
 Label_File parseLabelFile(const std::string& text, const std::string& path);
