@@ -1,0 +1,127 @@
+#include "Control.h"
+
+#include <stdexcept>
+
+#include "Value_Text.h"
+
+namespace vornex::sim {
+namespace {
+
+constexpr std::uint64_t LastAddress = 0xffffffffu;
+constexpr std::uint64_t LongestPeek = 65535;
+
+// The first word of a text, which is left without it.
+std::string takeWord(std::string& text) {
+    const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
+    const std::size_t end = std::min(text.find_first_of(" \t", begin), text.size());
+    const std::string word = text.substr(begin, end - begin);
+    text.erase(0, std::min(text.find_first_not_of(" \t", end), text.size()));
+    return word;
+}
+
+bool isAddress(const std::string& word) {
+    return !word.empty() && word[0] >= '0' && word[0] <= '9';
+}
+
+std::uint32_t parseAddress(const std::string& word) {
+    return static_cast<std::uint32_t>(parseUnsigned(word, LastAddress));
+}
+
+Leaf findLabel(const Controller& controller, const std::string& label) {
+    const std::optional<Leaf> leaf = controller.plant.find(label);
+    if (!leaf) throw std::invalid_argument("no element is called '" + label + "'");
+    return *leaf;
+}
+
+Bytes hexBytes(const std::string& text) {
+    Bytes bytes;
+    if (!parseHex(text, bytes)) throw std::invalid_argument("'" + text + "' is not hex bytes");
+    return bytes;
+}
+
+std::string get(std::string rest, Controller& controller, double now) {
+    const std::string what = takeWord(rest);
+    if (isAddress(what)) {
+        const std::uint64_t bytes = parseUnsigned(takeWord(rest), LongestPeek);
+        return "ok " + hexText(controller.plant.peek(parseAddress(what), bytes, now));
+    }
+    const Leaf leaf = findLabel(controller, what);
+    return "ok " + formatValue(controller.plant.peek(leaf.address, leaf.bytes, now), leaf.view);
+}
+
+std::string set(std::string rest, Controller& controller, double now) {
+    if (controller.plant.isPattern()) throw std::invalid_argument("pattern mode has no values to set");
+    const std::string what = takeWord(rest);
+    if (isAddress(what)) {
+        controller.plant.write(parseAddress(what), hexBytes(rest), now);
+        return "ok";
+    }
+    const Leaf leaf = findLabel(controller, what);
+    controller.plant.write(leaf.address, parseValue(rest, leaf.view, leaf.bytes), now);
+    return "ok";
+}
+
+std::string check(std::string rest) {
+    const std::uint32_t address = parseAddress(takeWord(rest));
+    const Bytes bytes = hexBytes(rest);
+    std::uint8_t generation = 0;
+    const std::size_t good = checkPattern(address, bytes, generation);
+    if (good == bytes.size()) return "ok generation " + std::to_string(generation);
+    return "error: foreign byte at " + std::to_string(std::uint32_t(address + good)) + ", generation " +
+           std::to_string(generation) + " up to there";
+}
+
+std::string fault(std::string rest, Controller& controller) {
+    const std::string verb = takeWord(rest);
+    if (verb == "add") {
+        controller.faults.add(rest);
+    } else if (verb == "clear" && rest.empty()) {
+        controller.faults.clear();
+    } else if (verb == "list" && rest.empty()) {
+        std::string lines;
+        for (const Fault_Rule& rule : controller.faults.rules()) {
+            lines += rule.text + " applied " + std::to_string(rule.fired) + " of " + std::to_string(rule.seen) + "\n";
+        }
+        return lines + "ok";
+    } else {
+        throw std::invalid_argument("fault add RULE, fault list or fault clear");
+    }
+    return "ok";
+}
+
+std::string run(const std::string& verb, const std::string& rest, Controller& controller, const Control_Hooks& hooks) {
+    if (verb == "get") return get(rest, controller, hooks.now());
+    if (verb == "set") return set(rest, controller, hooks.now());
+    if (verb == "check") return check(rest);
+    if (verb == "fault") return fault(rest, controller);
+    if (verb == "stats" && rest.empty()) return "ok " + hooks.summary();
+    if (verb == "help") return ControlHelp + std::string("ok");
+    if (verb == "quit" && rest.empty()) {
+        hooks.quit();
+        return "ok";
+    }
+    throw std::invalid_argument("unknown command '" + verb + "'; help lists them");
+}
+
+}  // namespace
+
+const char* const ControlHelp =
+    "get LABEL | get ADDRESS BYTES      the value, or bytes in hex\n"
+    "set LABEL VALUE | set ADDRESS HEX  stops the motion there, if any\n"
+    "check ADDRESS HEX                  pattern mode: do these bytes belong there, and of which generation are they\n"
+    "fault add RULE | fault list | fault clear\n"
+    "stats                              the summary so far, as JSON\n"
+    "quit\n";
+
+std::string runControlLine(const std::string& line, Controller& controller, const Control_Hooks& hooks) {
+    std::string rest = splitText(line, '\n')[0];
+    if (rest.empty() || rest[0] == '#') return "";
+    const std::string verb = takeWord(rest);
+    try {
+        return run(verb, rest, controller, hooks);
+    } catch (const std::invalid_argument& error) {
+        return std::string("error: ") + error.what();
+    }
+}
+
+}  // namespace vornex::sim

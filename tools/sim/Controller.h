@@ -1,0 +1,62 @@
+// The controller behind all connections: answers requests, with the faults that are asked for.
+#ifndef VORNEX_SIM_CONTROLLER_H
+#define VORNEX_SIM_CONTROLLER_H
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "Fault_Rules.h"
+#include "Frame_Codec.h"
+#include "Plant.h"
+#include "Stats.h"
+
+namespace vornex::sim {
+
+// One message to the log, without time and line end.
+using Log = std::function<void(const std::string&)>;
+
+// How an answer reaches the client. Times in ms.
+struct Delivery {
+    enum class Hold { No, Late, Glue };  // keep it until the next answer
+    enum class End { None, Fin, Rst };   // of the connection, after `bytes`
+
+    Bytes bytes;  // empty: nothing is sent
+    std::uint64_t delay = 0;
+    std::size_t pieceBytes = 0;  // 0: in one piece
+    std::uint64_t pieceGap = 0;
+    Hold hold = Hold::No;
+    std::uint64_t holdGap = 0;  // between a late answer and the one that follows it
+    End end = End::None;
+    std::uint64_t stall = 0;              // the whole controller stands still for so long
+    std::optional<std::uint64_t> refuse;  // reset everything, refuse new connections for so long
+    bool kill = false;
+};
+
+class Controller {
+public:
+    Controller(Plant controlledPlant, Fault_Rules faultRules, Log messageLog);
+
+    // Carries the request out and says how to answer. `previous`: this connection's last right answer, empty at its
+    // beginning; updated. `now`: ms since the start.
+    Delivery answer(const Request& request, Bytes& previous, double now);
+
+    Counters counters() const;
+
+    Plant plant;
+    Fault_Rules faults;
+    Stats stats;
+    Log log;
+
+private:
+    Reply carryOut(const Request& request, double now);
+};
+
+// Does to the answer what the rules say: first to its content, then to its bytes, then to its way.
+Delivery applyFaults(Reply reply, const std::vector<const Fault_Rule*>& rules, const Bytes& previous,
+                     Fault_Rules& noise);
+
+}  // namespace vornex::sim
+
+#endif

@@ -1,0 +1,38 @@
+// The controller's memory: all 32-bit addresses, kept where something was written; the rest reads as 0.
+#ifndef VORNEX_SIM_MEMORY_H
+#define VORNEX_SIM_MEMORY_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+#include "Frame_Codec.h"
+
+namespace vornex::sim {
+
+class Memory {
+public:
+    // Ranges that pass the last address go on at 0.
+    Bytes read(std::uint32_t address, std::size_t bytes) const;
+    // Stores what fits the limit of pages and returns how many bytes that were.
+    std::size_t write(std::uint32_t address, const Bytes& bytes);
+
+private:
+    struct Page;
+    std::unordered_map<std::uint32_t, std::shared_ptr<Page>> pages;
+};
+
+// The byte that pattern mode shows at an address: mixAddress(address) XOR the low 8 bits of the generation. So every
+// single byte tells which generation it would be of, and bytes of one reply that are where they belong all tell the
+// same one; a byte from another address, or of another reply, tells another with probability 255/256.
+std::uint8_t mixAddress(std::uint32_t address);
+Bytes patternBytes(std::uint32_t address, std::size_t bytes, std::uint64_t generation);
+
+// How many bytes, from the first, belong to this address and to one generation; `generation` is the one that the
+// first byte tells (0 to 255).
+std::size_t checkPattern(std::uint32_t address, const Bytes& bytes, std::uint8_t& generation);
+
+}  // namespace vornex::sim
+
+#endif

@@ -1,0 +1,126 @@
+#include "Plant.h"
+
+#include <algorithm>
+#include <map>
+#include <stdexcept>
+
+#include "Value_Text.h"
+
+namespace vornex::sim {
+namespace {
+
+constexpr std::uint32_t LargestElement = 255;
+constexpr std::size_t MovingLimit = 1000000;
+
+}  // namespace
+
+Pattern parsePattern(const std::string& text) {
+    constexpr std::uint64_t Day = 86400000;
+    Pattern pattern;
+    if (text == "read") {
+        pattern.step = Pattern::Step::Read;
+    } else if (text.rfind("fixed:", 0) == 0) {
+        pattern.step = Pattern::Step::Fixed;
+        pattern.first = parseUnsigned(text.substr(6), 255);
+    } else if (text.size() > 2 && text.compare(text.size() - 2, 2, "ms") == 0) {
+        pattern.step = Pattern::Step::Period;
+        pattern.period = parseUnsigned(text.substr(0, text.size() - 2), Day);
+        if (pattern.period == 0) throw std::invalid_argument("a period is at least 1ms");
+    } else {
+        throw std::invalid_argument("pattern '" + text + "' is not read, fixed:N or a period like 250ms");
+    }
+    return pattern;
+}
+
+Plant::Plant(Label_File labels, const Pattern& patternMode, std::uint64_t noiseSeed)
+    : file(std::move(labels)), pattern(patternMode), seed(noiseSeed) {
+    std::map<const Label*, std::uint64_t> elements;
+    if (!isPattern()) {
+        forEachLeaf(file, [&](const Leaf& leaf) {
+            if (!leaf.definition->sim.empty()) addMotion(leaf, elements[leaf.definition]++);
+            return true;
+        });
+    }
+    std::stable_sort(moving.begin(), moving.end(),
+                     [](const Moving& a, const Moving& b) { return a.address < b.address; });
+}
+
+void Plant::addMotion(const Leaf& leaf, std::uint64_t element) {
+    const std::string place =
+        file.path + ":" + std::to_string(leaf.definition->line) + ": label '" + leaf.text + "': sim: ";
+    Motion motion;
+    try {
+        motion = parseMotion(leaf.definition->sim, leaf.view, leaf.bytes);
+    } catch (const std::invalid_argument& error) {
+        throw File_Error(place + error.what());
+    }
+    if (motion.kind == Motion::Kind::Const) {
+        const bool isText = leaf.view == View::Text;
+        memory.write(leaf.address, isText ? Bytes(motion.text.begin(), motion.text.end())
+                                          : encodeNumber(motion.low, leaf.view, leaf.bytes));
+        return;
+    }
+    if (moving.size() >= MovingLimit) throw File_Error(place + "more than a million elements move");
+    moving.push_back({leaf.address, leaf.bytes, leaf.view, motion, element});
+}
+
+std::size_t Plant::firstMoving(std::uint32_t address) const {
+    const std::uint32_t from = address < LargestElement ? 0 : address - LargestElement;
+    const auto found = std::lower_bound(moving.begin(), moving.end(), from,
+                                        [](const Moving& a, std::uint32_t at) { return a.address < at; });
+    return static_cast<std::size_t>(found - moving.begin());
+}
+
+// Brings the moving values that touch this range up to date.
+void Plant::move(std::uint32_t address, std::size_t bytes, double now) {
+    const std::uint64_t end = std::uint64_t(address) + bytes;
+    for (std::size_t i = firstMoving(address); i < moving.size() && moving[i].address < end; ++i) {
+        const Moving& value = moving[i];
+        if (std::uint64_t(value.address) + value.bytes <= address) continue;
+        memory.write(value.address, encodeNumber(motionValue(value.motion, now, value.element,
+                                                             seed ^ std::uint64_t(value.address) << 20),
+                                                 value.view, value.bytes));
+    }
+}
+
+std::uint64_t Plant::generationAt(double now) const {
+    if (pattern.step == Pattern::Step::Period) return static_cast<std::uint64_t>(now) / pattern.period;
+    return pattern.step == Pattern::Step::Read ? generation : pattern.first;
+}
+
+std::vector<Reply_Item> Plant::read(const std::vector<Range>& items, double now) {
+    if (pattern.step == Pattern::Step::Read) ++generation;
+    std::vector<Reply_Item> result;
+    for (const Range& item : items)
+        result.push_back({item.bytes, peek(item.address, item.bytes, now)});
+    return result;
+}
+
+Bytes Plant::peek(std::uint32_t address, std::size_t bytes, double now) {
+    if (isPattern()) return patternBytes(address, bytes, generationAt(now));
+    move(address, bytes, now);
+    return memory.read(address, bytes);
+}
+
+std::size_t Plant::write(std::uint32_t address, const Bytes& bytes, double now) {
+    if (isPattern()) return 0;
+    move(address, bytes.size(), now);  // what the write leaves of a moving value stays as it was seen last
+    const std::uint64_t end = std::uint64_t(address) + bytes.size();
+    const auto first = moving.begin() + static_cast<std::ptrdiff_t>(firstMoving(address));
+    const auto last = std::find_if(first, moving.end(), [&](const Moving& value) { return value.address >= end; });
+    const auto stopped = std::remove_if(
+        first, last, [&](const Moving& value) { return std::uint64_t(value.address) + value.bytes > address; });
+    moving.erase(stopped, last);
+    return bytes.size() - memory.write(address, bytes);
+}
+
+std::optional<Leaf> Plant::find(const std::string& label) const {
+    std::optional<Leaf> found;
+    forEachLeaf(file, [&](const Leaf& leaf) {
+        if (leaf.text == label) found = leaf;
+        return !found;
+    });
+    return found;
+}
+
+}  // namespace vornex::sim
