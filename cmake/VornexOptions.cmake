@@ -6,9 +6,6 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 target_compile_options(vornex_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
                        -Wnon-virtual-dtor -Wcast-align -Werror)
-if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  target_compile_options(vornex_options INTERFACE -Wthread-safety -Wthread-safety-beta)
-endif()
 
 if(VORNEX_SANITIZE STREQUAL "address")
   set(vornex_sanitizer -fsanitize=address,undefined -fno-sanitize-recover=all)

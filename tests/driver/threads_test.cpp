@@ -1,0 +1,72 @@
+// Host threads beside the exchange thread. Worth most under the thread sanitizer; also checks what they may see.
+#include <atomic>
+#include <thread>
+
+#include "Driver_Fixture.h"
+#include "label/Label_Resolution.h"
+
+namespace {
+
+class Threads : public Driver_Fixture {};
+
+TEST_F(Threads, HostThreadsBesideTheExchange) {
+    settings.retryLimit = 1;
+    QList<Label_Type_Info> labels = {makeLabel("Value", 5, 0x100), makeLabel("Block", 1, 0x400, {10, 0, 1200}),
+                                     makeLabel("Wide", 3, 0x1000)};
+    PassVarName_2(&labels);
+    std::atomic<bool> done{false};
+
+    std::atomic<int> reads{0};
+
+    std::thread exchangeThread([&done, &reads] {
+        for (int i = 0; i < 3000 || reads < 100; ++i) {
+            if (ComCommunication() == nullptr) continue;
+            answer(i % 7 == 0 ? QByteArray() : goodReply());
+        }
+        done = true;
+    });
+    std::thread writer([&done] {
+        for (int i = 0; !done; ++i) {
+            QByteArray data(4, static_cast<char>(i));
+            SetRegisterData(text("Wide"), 0, QString(), 0, &data, 2, 3, i);
+        }
+    });
+    std::thread rebuilder([&done] {
+        while (!done) {
+            QList<HOST_VAR> definitions;
+            HOST_VAR value;
+            value.label = text("Value");
+            value.count = 2;
+            definitions << value;
+            value.label = text("Block[0]");
+            value.count = 1200;
+            definitions << value;
+            ReCreatReadVarList(&definitions);
+            RW_VAR once = makeRequest(0, 600);
+            once.label = text("Block[3]");
+            AddListOnceReadVar(&once);
+        }
+    });
+    std::thread definer([&done] {
+        for (quint32 i = 0; !done; ++i) {
+            QList<Label_Type_Info> fresh = {makeLabel("Other", 3, i)};
+            PassVarName_2(&fresh);
+            ControlInformationM info;
+            EXPECT_EQ(0, get_label_address(text("Other"), info));
+            EXPECT_EQ(i, info.address);  // never an old definition once the delivery has returned
+            EnableEthernet(static_cast<int>(i % 3) + 1, static_cast<int>(i % 2));
+        }
+    });
+    while (!done) {
+        QByteArray out;
+        EXPECT_EQ(1, GetRegisterData(text("Value"), 0, QString(), 0, &out, 2));
+        EXPECT_TRUE(out == QByteArray(4, '\0') || out == hex("00010203")) << out.toHex().constData();  // never a mix
+        ++reads;
+    }
+    exchangeThread.join();
+    writer.join();
+    rebuilder.join();
+    definer.join();
+}
+
+}  // namespace
