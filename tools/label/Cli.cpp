@@ -29,6 +29,11 @@ CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& 
     return option;
 }
 
+// CLI11's own Range, without its types and numbers in every line of the help.
+CLI::Validator within(double low, double high) {
+    return CLI::Validator([range = CLI::Range(low, high)](std::string& text) { return range(text); }, "");
+}
+
 void addOption(CLI::App& app, const Option& option, const std::string& group) {
     CLI::Option* added = std::visit([&](auto* target) { return bindTo(app, option.names, option.help, target); },
                                     option.target);
@@ -36,7 +41,7 @@ void addOption(CLI::App& app, const Option& option, const std::string& group) {
     if (option.isArgument()) added->type_name("");
     if (option.required) added->required();
     if (!option.choices.empty()) added->check(CLI::IsMember(option.choices));
-    if (option.low || option.high) added->check(CLI::Range(option.low.value_or(0), option.high.value_or(0)));
+    if (option.low && option.high) added->check(within(*option.low, *option.high));
     if (!group.empty()) added->group(group);
 }
 

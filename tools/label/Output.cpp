@@ -14,15 +14,15 @@ void writeLine(FILE* file, const std::string& line) {
     std::fflush(file);  // whoever reads the pipe sees a change when it happens
 }
 
-std::string jsonLine(const Row& row) {
+}  // namespace
+
+std::string jsonObject(const Row& row) {
     std::string line;
     for (const auto& [name, value] : row.fields) {
         line += (line.empty() ? "" : ",") + jsonString(name) + ":" + value.json();
     }
     return "{" + line + "}";
 }
-
-}  // namespace
 
 std::string csvField(const std::string& text) {
     if (text.find_first_of(",;\"\r\n") == std::string::npos) return text;
@@ -45,7 +45,7 @@ void Output::row(const Row& row, const std::string& text) {
     const std::lock_guard<std::mutex> lock(mutex);
     clearProgress();
     if (format == Format::Text) return writeLine(stdout, text);
-    if (format == Format::Json) return writeLine(stdout, jsonLine(row));
+    if (format == Format::Json) return writeLine(stdout, jsonObject(row));
     std::string heading, line;
     for (const auto& [name, value] : row.fields) {
         heading += (heading.empty() ? "" : ",") + csvField(name);
@@ -62,6 +62,14 @@ void Output::text(const std::string& line) {
     const std::lock_guard<std::mutex> lock(mutex);
     clearProgress();
     writeLine(stdout, line);
+}
+
+void Output::block(const std::string& text) {
+    if (format != Format::Text) return;
+    const std::lock_guard<std::mutex> lock(mutex);
+    clearProgress();
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout);
 }
 
 void Output::error(const std::string& words) { message("vornex-label: " + words); }

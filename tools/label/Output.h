@@ -33,6 +33,9 @@ public:
     // Data that exists as text alone, such as a heading; nothing in the other formats.
     void text(const std::string& line);
 
+    // Text as it is, line ends included.
+    void block(const std::string& text);
+
     void error(const std::string& message);   // always
     void warn(const std::string& message);    // not with -q
     void note(const std::string& message);    // not with -q
@@ -56,6 +59,8 @@ private:
     bool progressShown = false;
 };
 
+// {"name":value,...}
+std::string jsonObject(const Row& row);
 // A CSV field, quoted when it has to be.
 std::string csvField(const std::string& text);
 

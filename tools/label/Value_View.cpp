@@ -86,6 +86,10 @@ View defaultView(int typeCode) {
     return typeCode <= 9 ? View::U64 : View::Text;
 }
 
+std::vector<std::string> viewNames() {
+    return {"u8", "s8", "u16", "s16", "u32", "s32", "u64", "s64", "f32", "f64", "bool", "hex", "text", "bytes"};
+}
+
 Value viewValue(View view, const std::string& bytes) {
     const std::size_t width = viewBytes(view);
     if (width != 0 && bytes.size() != width) return hexBytes(bytes);
@@ -98,6 +102,12 @@ Value viewValue(View view, const std::string& bytes) {
         case View::Hex: return hexValue(bytes);
         default: return hexBytes(bytes);
     }
+}
+
+std::string trimmed(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
 std::string hexBytes(const std::string& bytes) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "../common/Label_File.h"
 #include "Value.h"
@@ -15,6 +16,9 @@ std::size_t viewBytes(View view);
 
 // The unsigned view of an element's size, or text; what View::Default stands for.
 View defaultView(int typeCode);
+
+// Every view's name in the label file, "default" left out.
+std::vector<std::string> viewNames();
 
 // One value. Views of a fixed width need that many bytes; with fewer the result is the bytes in hex.
 // Hex up to 8 bytes is a number ("0x01F4"); longer runs, and bytes, are "01 F4 ..." in the order of the wire.
@@ -29,6 +33,9 @@ std::string parseValue(View view, std::size_t size, const std::string& text);
 std::string hexBytes(const std::string& bytes);
 // "01f400", with or without spaces. Throws std::invalid_argument with the reason.
 std::string bytesOfHex(const std::string& text);
+
+// Without white space at both ends.
+std::string trimmed(const std::string& text);
 
 }  // namespace vornex
 

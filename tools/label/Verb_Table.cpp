@@ -4,6 +4,9 @@ namespace vornex {
 
 std::vector<Verb> allVerbs() {
     return {
+        readVerb(),
+        writeVerb(),
+        watchVerb(),
         manVerb(),
         completionVerb(),
     };

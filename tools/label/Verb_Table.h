@@ -11,6 +11,9 @@ namespace vornex {
 // In the order of the help.
 std::vector<Verb> allVerbs();
 
+Verb readVerb();
+Verb writeVerb();
+Verb watchVerb();
 Verb manVerb();
 Verb completionVerb();
 

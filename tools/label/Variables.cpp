@@ -1,0 +1,169 @@
+#include "Variables.h"
+
+#include <algorithm>
+#include <map>
+
+namespace vornex {
+
+namespace {
+
+Variable variableOf(const Leaf& leaf) {
+    Variable variable;
+    variable.text = leaf.text;
+    variable.unit = leaf.definition->unit;
+    variable.view = leaf.view;
+    variable.address = leaf.address;
+    variable.bytes = leaf.bytes;
+    variable.range = {leaf.text, 0, leaf.code, leaf.bytes};
+    return variable;
+}
+
+bool isGlob(const std::string& text) { return text.find_first_of("*?") != std::string::npos; }
+
+// Whether `leaf` is the argument itself or lies within it.
+bool isWithin(const std::string& argument, const std::string& leaf) {
+    if (leaf.compare(0, argument.size(), argument) != 0) return false;
+    return leaf.size() == argument.size() || leaf[argument.size()] == '.' || leaf[argument.size()] == '[';
+}
+
+// The label text without its index groups: the path through the definitions.
+std::string pathOf(const std::string& text) {
+    std::string path;
+    bool inIndex = false;
+    for (char letter : text) {
+        if (letter == '[') inIndex = true;
+        if (!inIndex) path += letter;
+        if (letter == ']') inIndex = false;
+    }
+    return path;
+}
+
+// Collects what each argument matches in one walk over the file. A run is what lies in one array without a gap.
+class Selection {
+public:
+    explicit Selection(const std::vector<std::string>& texts)
+        : arguments(texts), found(texts.size()), runStart(texts.size(), 0) {}
+
+    void take(const Leaf& leaf) {
+        if (leaf.definition != runDefinition || leaf.address != runEnd) endRun();
+        for (std::size_t i = 0; i < arguments.size(); ++i) {
+            const std::string& argument = arguments[i];
+            if (isGlob(argument) ? globMatches(argument, leaf.text) : isWithin(argument, leaf.text)) {
+                found[i].push_back(variableOf(leaf));
+            }
+        }
+        runDefinition = leaf.definition;
+        runEnd = std::uint64_t(leaf.address) + leaf.bytes;
+    }
+
+    // Now it is known how many elements follow each variable of the run.
+    void endRun() {
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            for (; runStart[i] < found[i].size(); ++runStart[i]) {
+                Variable& variable = found[i][runStart[i]];
+                variable.elements = static_cast<std::uint32_t>((runEnd - variable.address) / variable.bytes);
+            }
+        }
+    }
+
+    std::vector<Variable>& at(std::size_t i) { return found[i]; }
+
+private:
+    const std::vector<std::string>& arguments;
+    std::vector<std::vector<Variable>> found;
+    std::vector<std::size_t> runStart;  // the first variable of the present run
+    const Label* runDefinition = nullptr;
+    std::uint64_t runEnd = 0;
+};
+
+[[noreturn]] void noSuchLabel(const Label_File& file, const std::string& argument) {
+    const char* const what = isGlob(argument) ? "no label matches '" : "no label '";
+    throw Tool_Error(Exit_Code::Label, what + argument + "' in " + file.path);
+}
+
+// Spellings that the file's walk does not produce, templates above all: the driver says where they point to, the
+// definition with the same path says what lies there.
+Variable resolveSpelling(Session& session, const Label_File& file, const std::string& argument, int index) {
+    const std::optional<std::uint32_t> address = session.resolve(argument, index);
+    if (!address) noSuchLabel(file, argument);
+    const std::string path = pathOf(argument);
+    std::optional<Variable> variable;
+    std::uint64_t end = 0;
+    forEachLeaf(file, [&](const Leaf& leaf) {
+        if (!variable && leaf.address == *address && pathOf(leaf.text) == path) variable = variableOf(leaf);
+        if (!variable) return true;
+        if (end != 0 && (leaf.address != end || pathOf(leaf.text) != path)) return false;
+        end = std::uint64_t(leaf.address) + leaf.bytes;
+        return true;
+    });
+    if (!variable) noSuchLabel(file, argument);
+    variable->elements = static_cast<std::uint32_t>((end - variable->address) / variable->bytes);
+    variable->range.label = argument;
+    variable->range.index = index;
+    return *variable;
+}
+
+// The addresses that count are the driver's; the file's own arithmetic only says what is where.
+void useDriverAddress(Session& session, const Label_File& file, Variable& variable) {
+    const std::optional<std::uint32_t> address = session.resolve(variable.range.label, variable.range.index);
+    if (!address) {
+        throw Tool_Error(Exit_Code::Label, "the driver does not resolve label '" + variable.text + "' of " + file.path);
+    }
+    variable.address = *address;
+}
+
+}  // namespace
+
+std::vector<Variable> findVariables(Session& session, const Label_File& file, const std::vector<std::string>& arguments,
+                                    int index) {
+    Selection selection(arguments);
+    forEachLeaf(file, [&selection](const Leaf& leaf) {
+        selection.take(leaf);
+        return true;
+    });
+    selection.endRun();
+    std::vector<Variable> variables;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::vector<Variable>& found = selection.at(i);
+        if (found.empty() && isGlob(arguments[i])) noSuchLabel(file, arguments[i]);
+        if (found.empty()) found.push_back(resolveSpelling(session, file, arguments[i], index));
+        for (Variable& variable : found) {
+            useDriverAddress(session, file, variable);
+            variables.push_back(std::move(variable));
+        }
+    }
+    return variables;
+}
+
+Variable findVariable(Session& session, const Label_File& file, const std::string& argument, int index,
+                      bool& wholeArray) {
+    const std::vector<Variable> found = findVariables(session, file, {argument}, index);
+    const bool oneArray = found.size() == found.front().elements;
+    if (isGlob(argument) || (found.size() > 1 && !oneArray)) {
+        throw Tool_Error(Exit_Code::Label, "'" + argument + "' is more than one variable: name an element or member");
+    }
+    wholeArray = found.size() > 1;
+    return found.front();
+}
+
+bool globMatches(const std::string& pattern, const std::string& text) {
+    std::size_t p = 0, t = 0, star = std::string::npos, retry = 0;
+    while (t < text.size()) {
+        if (p < pattern.size() && pattern[p] == '*') {
+            star = p++;
+            retry = t;
+        } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
+            ++p;
+            ++t;
+        } else if (star != std::string::npos) {  // let the last star take one character more
+            p = star + 1;
+            t = ++retry;
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == '*') ++p;
+    return p == pattern.size();
+}
+
+}  // namespace vornex

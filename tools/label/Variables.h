@@ -1,0 +1,39 @@
+// From what the user names (labels, globs, whole structures and arrays, templates) to variables.
+#ifndef VORNEX_LABEL_VARIABLES_H
+#define VORNEX_LABEL_VARIABLES_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Session.h"
+
+namespace vornex {
+
+// One elementary variable of the controller.
+struct Variable {
+    std::string text;  // as it is shown: the label text without template marks
+    std::string unit;
+    View view = View::U8;
+    std::uint32_t address = 0;   // as the driver resolves it
+    std::uint32_t bytes = 0;     // of one element
+    std::uint32_t elements = 1;  // from this one to the end of its array
+    Label_Range range;           // one element, as the driver is asked for it
+};
+
+// The variables of each argument, in the order of the arguments and then of the file. An argument is a label text, a
+// label text with template marks (completed with `index`), an array or structure (all its elements), or a glob with
+// * and ?. Throws Tool_Error Label for an argument that names nothing or that the driver does not resolve.
+std::vector<Variable> findVariables(Session& session, const Label_File& file, const std::vector<std::string>& arguments,
+                                    int index);
+
+// Exactly one variable: an element, or an array, which stands for its first element (`wholeArray` is then set).
+Variable findVariable(Session& session, const Label_File& file, const std::string& argument, int index,
+                      bool& wholeArray);
+
+// * and ? stand for any text and any character; [ and ] are index brackets and stand for themselves.
+bool globMatches(const std::string& pattern, const std::string& text);
+
+}  // namespace vornex
+
+#endif
