@@ -2,36 +2,56 @@
 
 #include <algorithm>
 
+#include "Value_View.h"
+
 namespace vornex {
+
+namespace {
+const std::uint32_t LongestElement = 255;  // type codes 10 and 11
+const std::size_t ValuesTold = 6;          // in a line of text
+}  // namespace
 
 Label_Names::Label_Names(const Label_File& file) {
     forEachLeaf(file, [this](const Leaf& leaf) {
-        entries.push_back({leaf.address, leaf.bytes, leaf.text});
+        entries.push_back({leaf.address, leaf.bytes, leaf.view, leaf.text});
         return true;
     });
     std::stable_sort(entries.begin(), entries.end(),
                      [](const Entry& a, const Entry& b) { return a.address < b.address; });
 }
 
-std::string Label_Names::of(std::uint32_t address, std::uint32_t length) const {
+// The elements that share a byte with the run.
+std::vector<const Label_Names::Entry*> Label_Names::within(std::uint32_t address, std::uint32_t length) const {
     const std::uint64_t end = std::uint64_t(address) + length;
-    const std::uint32_t longestElement = 255;
-    const std::uint32_t from = address < longestElement ? 0 : address - longestElement;
+    const std::uint32_t from = address < LongestElement ? 0 : address - LongestElement;
     auto entry = std::lower_bound(entries.begin(), entries.end(), from,
                                   [](const Entry& a, std::uint32_t b) { return a.address < b; });
-    const Entry* first = nullptr;
-    const Entry* last = nullptr;
-    std::size_t count = 0;
+    std::vector<const Entry*> found;
     for (; entry != entries.end() && entry->address < end; ++entry) {
-        if (std::uint64_t(entry->address) + entry->bytes <= address) continue;
-        if (!first) first = &*entry;
-        last = &*entry;
-        ++count;
+        if (std::uint64_t(entry->address) + entry->bytes > address) found.push_back(&*entry);
     }
-    if (!first) return "no label";
-    if (count == 1) return first->text;
-    if (count == 2) return first->text + ", " + last->text;
-    return first->text + " .. " + last->text + " (" + std::to_string(count) + " labels)";
+    return found;
+}
+
+std::string Label_Names::of(std::uint32_t address, std::uint32_t length) const {
+    const std::vector<const Entry*> found = within(address, length);
+    if (found.empty()) return "no label";
+    if (found.size() == 1) return found[0]->text;
+    if (found.size() == 2) return found[0]->text + ", " + found[1]->text;
+    return found.front()->text + " .. " + found.back()->text + " (" + std::to_string(found.size()) + " labels)";
+}
+
+std::string Label_Names::values(std::uint32_t address, std::uint32_t length, const std::string& data) const {
+    const std::vector<const Entry*> found = within(address, length);
+    std::string text;
+    for (std::size_t i = 0; i < found.size() && i < ValuesTold; ++i) {
+        const Entry& entry = *found[i];
+        const bool whole = entry.address >= address && entry.address - address + entry.bytes <= length;
+        text += (text.empty() ? "" : ", ") + entry.text + (whole ? "" : " (in part)");
+        if (!whole || data.size() < length) continue;
+        text += " = " + viewValue(entry.view, data.substr(entry.address - address, entry.bytes)).shown();
+    }
+    return found.size() > ValuesTold ? text + ", ... " + std::to_string(found.size() - ValuesTold) + " more" : text;
 }
 
 }  // namespace vornex

@@ -1,4 +1,4 @@
-// Which labels lie at an address: names for traces and messages.
+// Which labels lie at an address: names for traces, messages and the dissector.
 #ifndef VORNEX_LABEL_LABEL_NAMES_H
 #define VORNEX_LABEL_LABEL_NAMES_H
 
@@ -11,18 +11,31 @@ namespace vornex {
 
 class Label_Names {
 public:
+    // An elementary element.
+    struct Entry {
+        std::uint32_t address = 0;
+        std::uint32_t bytes = 0;
+        View view = View::Default;  // never Default
+        std::string text;
+    };
+
+    Label_Names() = default;
     explicit Label_Names(const Label_File& file);
+
+    // By address; those at one address in the order of the file.
+    const std::vector<Entry>& all() const { return entries; }
 
     // "Speed", "Motors[1].Id .. Motors[4].Temp (12 labels)", or "no label".
     std::string of(std::uint32_t address, std::uint32_t length) const;
 
+    // "Speed = 1500, Motors[1].Id = 7, ... 3 more": what lies in the run, with the values that `data` holds for it;
+    // without values when `data` is shorter than the run. Empty when there is none.
+    std::string values(std::uint32_t address, std::uint32_t length, const std::string& data) const;
+
 private:
-    struct Entry {
-        std::uint32_t address;
-        std::uint32_t bytes;
-        std::string text;
-    };
-    std::vector<Entry> entries;  // by address
+    std::vector<const Entry*> within(std::uint32_t address, std::uint32_t length) const;
+
+    std::vector<Entry> entries;
 };
 
 }  // namespace vornex

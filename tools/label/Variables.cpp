@@ -26,18 +26,6 @@ bool isWithin(const std::string& argument, const std::string& leaf) {
     return leaf.size() == argument.size() || leaf[argument.size()] == '.' || leaf[argument.size()] == '[';
 }
 
-// The label text without its index groups: the path through the definitions.
-std::string pathOf(const std::string& text) {
-    std::string path;
-    bool inIndex = false;
-    for (char letter : text) {
-        if (letter == '[') inIndex = true;
-        if (!inIndex) path += letter;
-        if (letter == ']') inIndex = false;
-    }
-    return path;
-}
-
 // Collects what each argument matches in one walk over the file. A run is what lies in one array without a gap.
 class Selection {
 public:
@@ -144,6 +132,17 @@ Variable findVariable(Session& session, const Label_File& file, const std::strin
     }
     wholeArray = found.size() > 1;
     return found.front();
+}
+
+std::string pathOf(const std::string& text) {
+    std::string path;
+    bool inIndex = false;
+    for (char letter : text) {
+        if (letter == '[') inIndex = true;
+        if (!inIndex) path += letter;
+        if (letter == ']') inIndex = false;
+    }
+    return path;
 }
 
 bool globMatches(const std::string& pattern, const std::string& text) {

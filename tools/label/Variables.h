@@ -31,6 +31,9 @@ std::vector<Variable> findVariables(Session& session, const Label_File& file, co
 Variable findVariable(Session& session, const Label_File& file, const std::string& argument, int index,
                       bool& wholeArray);
 
+// The label text without its index groups: the path through the definitions.
+std::string pathOf(const std::string& text);
+
 // * and ? stand for any text and any character; [ and ] are index brackets and stand for themselves.
 bool globMatches(const std::string& pattern, const std::string& text);
 

@@ -7,6 +7,13 @@ std::vector<Verb> allVerbs() {
         readVerb(),
         writeVerb(),
         watchVerb(),
+        lsVerb(),
+        checkVerb(),
+        decodeVerb(),
+        infoVerb(),
+        labelsConvertVerb(),
+        labelsLintVerb(),
+        labelsNamesVerb(),
         manVerb(),
         completionVerb(),
     };

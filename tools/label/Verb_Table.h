@@ -14,6 +14,13 @@ std::vector<Verb> allVerbs();
 Verb readVerb();
 Verb writeVerb();
 Verb watchVerb();
+Verb lsVerb();
+Verb checkVerb();
+Verb decodeVerb();
+Verb infoVerb();
+Verb labelsConvertVerb();
+Verb labelsLintVerb();
+Verb labelsNamesVerb();
 Verb manVerb();
 Verb completionVerb();
 

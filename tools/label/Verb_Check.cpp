@@ -1,0 +1,206 @@
+// check: what the driver makes of label texts, without a controller.
+#include <algorithm>
+#include <memory>
+#include <set>
+
+#include "Driver_Labels.h"
+#include "Label_Explain.h"
+#include "Tool.h"
+#include "Variables.h"
+#include "Verb_Table.h"
+
+namespace vornex {
+
+namespace {
+
+// The driver's own label operations, which it exports beside the entry points. An old or foreign library may lack them.
+const char ResolveSymbol[] = "_Z17get_label_address7QStringR19ControlInformationM";
+const char RewriteSymbol[] = "_Z17get_label_addressR7QStringi";
+using Resolve = int (*)(QString, ControlInformationM&);
+using Rewrite = int (*)(QString&, int);
+
+const std::size_t TextWidth = 28;
+
+struct Outcome {
+    bool good = false;
+    std::optional<int> code;  // nothing: the library does not tell it
+    std::string resolved;     // the text after the template was rewritten
+    int type = 0;
+    std::optional<std::uint32_t> address;
+};
+
+class Label_Checker {
+public:
+    Label_Checker(Tool& userTool, int templateIndex)
+        : tool(userTool),
+          library(userTool.driver()),
+          index(templateIndex),
+          resolve(reinterpret_cast<Resolve>(library.symbol(ResolveSymbol))),
+          rewrite(reinterpret_cast<Rewrite>(library.symbol(RewriteSymbol))) {
+        settings.maxBytesPerRequest = 1;
+        library.SetComInfo(&settings);
+        QList<Label_Type_Info> labels = driverLabels(tool.labels());
+        library.PassVarName_2(&labels);
+        if (!resolve || !rewrite)
+            tool.out.warn("the library does not tell result codes, only whether a label resolves");
+    }
+
+    // `leaf` is what the file says the text is, null when the user wrote it.
+    bool check(const std::string& text, const Leaf* leaf) {
+        Outcome outcome = ask(text);
+        std::string reason;
+        std::optional<Label_Problem> problem;
+        if (!outcome.good) {
+            problem = explainLabel(tool.labels(), outcome.resolved);
+            reason = words(outcome, problem);
+        } else if (leaf && outcome.address && *outcome.address != leaf->address) {
+            reason = "the driver resolves it to address " + std::to_string(*outcome.address) + ", the file has " +
+                     std::to_string(leaf->address);
+            outcome.good = false;
+        }
+        tell(text, outcome, problem, reason, leaf != nullptr);
+        return outcome.good;
+    }
+
+private:
+    Outcome ask(const std::string& text) {
+        Outcome outcome;
+        QString label = QString::fromUtf8(text.c_str());
+        outcome.resolved = text;
+        if (!resolve || !rewrite) {
+            QByteArray bytes;
+            outcome.good = library.GetRegisterData(label, 0, QString::number(index), 0, &bytes, 0) == 1;
+            return outcome;
+        }
+        ControlInformationM info;
+        int code = 0;
+        if (label.contains(QString::fromLatin1("%%"))) code = rewrite(label, index);
+        outcome.resolved = label.toUtf8().constData();
+        if (code == 0) code = resolve(label, info);
+        outcome.code = code;
+        outcome.good = code == 0;
+        if (!outcome.good) return outcome;  // what `info` holds then is of no use
+        outcome.type = info.typeCode;
+        outcome.address = info.address;
+        return outcome;
+    }
+
+    // The tool's own explanation counts only when it leads to the code that the driver gave.
+    static std::string words(const Outcome& outcome, std::optional<Label_Problem>& problem) {
+        if (problem && outcome.code && problem->code != *outcome.code) problem.reset();
+        if (problem) return problem->reason;
+        const std::size_t mark = outcome.resolved.find("%%");
+        if (mark != std::string::npos) {
+            problem =
+                Label_Problem{outcome.code.value_or(0), mark, 2, "%% stands in no index group of the first array"};
+            return problem->reason;
+        }
+        return outcome.code ? labelCodeText(*outcome.code) : "does not resolve";
+    }
+
+    void tell(const std::string& text, const Outcome& outcome, const std::optional<Label_Problem>& problem,
+              const std::string& reason, bool fromFile) {
+        const std::string tail = outcome.good ? ignoredTail(tool.labels(), outcome.resolved) : "";
+        Row row;
+        row.add("label", text).add("resolves", outcome.good).add("code", outcome.code ? Value(*outcome.code) : Value());
+        row.add("resolved", outcome.resolved).add("type", outcome.type > 0 ? Value(outcome.type) : Value());
+        row.add("address", outcome.address ? Value(*outcome.address) : Value());
+        row.add("at", problem ? Value(problem->at) : Value()).add("length", problem ? Value(problem->length) : Value());
+        row.add("reason", reason.empty() ? Value() : Value(reason));
+        // a list of everything that is well would hide what is not
+        const bool quiet = fromFile && outcome.good && !tool.options.verbose;
+        if (!quiet || tool.out.format != Output::Format::Text) tool.out.row(row, line(text, outcome, problem, reason));
+        if (!tail.empty()) tool.out.warn("'" + tail + "' at the end of '" + text + "' is not looked at");
+    }
+
+    static std::string line(const std::string& text, const Outcome& outcome,
+                            const std::optional<Label_Problem>& problem, const std::string& reason) {
+        std::string words = text + std::string(text.size() < TextWidth ? TextWidth - text.size() : 1, ' ');
+        if (outcome.resolved != text) words += "-> " + outcome.resolved + "  ";
+        if (outcome.good) {
+            if (!outcome.address) return words + "resolves";
+            return words + "address " + std::to_string(*outcome.address) + "  type " + std::to_string(outcome.type);
+        }
+        words += (outcome.code ? std::to_string(*outcome.code) + ": " : "") + reason;
+        if (!problem) return words;
+        return words + "\n    " + outcome.resolved + "\n    " +
+               markLine(outcome.resolved, problem->at, problem->length);
+    }
+
+    Tool& tool;
+    const Driver_Library& library;
+    const int index;
+    const Resolve resolve;
+    const Rewrite rewrite;
+    ComInfo settings;
+};
+
+struct Tally {
+    std::size_t good = 0;
+    std::size_t bad = 0;
+    void count(bool isGood) { ++(isGood ? good : bad); }
+};
+
+void checkFile(const Label_File& file, Label_Checker& checker, const std::vector<std::string>& globs, Tally& tally) {
+    std::set<std::string> matched;
+    forEachLeaf(file, [&](const Leaf& leaf) {
+        const auto glob = std::find_if(globs.begin(), globs.end(),
+                                       [&leaf](const std::string& pattern) { return globMatches(pattern, leaf.text); });
+        if (glob == globs.end()) return true;
+        matched.insert(*glob);
+        tally.count(checker.check(leaf.text, &leaf));
+        return true;
+    });
+    for (const std::string& glob : globs) {
+        if (!matched.count(glob) && glob != "*") throw Tool_Error(Exit_Code::Label, "no label matches '" + glob + "'");
+    }
+}
+
+Exit_Code runCheck(Tool& tool, std::vector<std::string> texts, bool all, int index) {
+    if (all || texts.empty()) texts.push_back("*");
+    const Label_File& file = tool.labels();
+    Label_Checker checker(tool, index);
+    std::vector<std::string> globs;
+    Tally tally;
+    for (const std::string& text : texts) {
+        if (text.find_first_of("*?") != std::string::npos)
+            globs.push_back(text);
+        else
+            tally.count(checker.check(text, nullptr));
+    }
+    if (!globs.empty()) checkFile(file, checker, globs, tally);
+    if (!globs.empty() || tally.bad > 0) {
+        tool.out.note(std::to_string(tally.good) + " resolve, " + std::to_string(tally.bad) + " do not");
+    }
+    return tally.bad == 0 ? Exit_Code::Ok : Exit_Code::Label;
+}
+
+}  // namespace
+
+Verb checkVerb() {
+    struct Options {
+        std::vector<std::string> labels;
+        bool all = false;
+        int index = 0;
+    };
+    const auto given = std::make_shared<Options>();
+    Verb verb;
+    verb.name = "check";
+    verb.summary = "Resolve labels through the driver, without a controller";
+    verb.description =
+        "Hands the label file to the driver and asks it for each label. A label that does not resolve is told "
+        "with the driver's result code, the reason, and the place in the text. A glob stands for every "
+        "element it matches, whose address is compared with the label file's; those that resolve are listed "
+        "with -v.";
+    verb.examples = {
+        {"check -l plant.json 'Motors[9].Speed'", "Why one label fails."},
+        {"check -l plant.json --all", "Every element of the file, as before a release."},
+        {"check -l plant.json 'Motors[%%].Speed' --index 3", "What a template becomes for index number 3."}};
+    verb.options = {Option("LABEL", "", "Label texts, templates or globs; none: all.", &given->labels),
+                    Option("--all", "", "Every element of the file.", &given->all),
+                    Option("--index", "N", "The number put into templates (0).", &given->index)};
+    verb.run = [given](Tool& tool) { return runCheck(tool, given->labels, given->all, given->index); };
+    return verb;
+}
+
+}  // namespace vornex
