@@ -133,7 +133,7 @@ const char* faultName(Fault_Kind kind) {
 }
 
 std::string faultHelp() {
-    std::string text = "Faults, KIND[(ARGS)][@SELECTOR[,SELECTOR...]]; [defaults]; times in ms:\n";
+    std::string text = "KIND[(ARGS)][@SELECTOR[,SELECTOR...]]   [defaults]\n";
     for (const Kind_Entry& kind : Kinds)
         text += std::string("  ") + kind.help + "\n";
     return text +

@@ -1,90 +1,95 @@
 #include "Options.h"
 
+#include <iostream>
+
 #include <CLI/CLI.hpp>
 
-#include "Control.h"
-#include "Fault_Rules.h"
-#include "Value_Motion.h"
+#include "Options_Help.h"
 
 namespace vornex::sim {
 namespace {
 
-std::string footer() {
-    return std::string("Motions in the label file (\"sim\"):\n") + MotionHelp + "\n\n" + faultHelp() +
-           "\nPattern mode: the byte at every address is mix(address) XOR the generation's low 8 bits, where\n"
-           "  mix: m = address * 2654435761; m ^= m >> 15; m *= 2246822519; m ^= m >> 13; m >> 24   (32 bits)\n"
-           "  so each byte tells its generation, and the bytes of one good answer all tell the same one.\n"
-           "  read: every read answered shows the next generation, the first one 1; 250ms: the next one every 250 ms;\n"
-           "  fixed:N: always N. Writes are answered and counted but store nothing, since a stored byte would be\n"
-           "  foreign itself.\n"
-           "\nControl lines, with --control:\n" +
-           ControlHelp +
-           "\nAn intact frame with a wrong check value, an unknown command or a senseless body is not answered; a "
-           "wrong\n"
-           "start byte, a frame over --max-frame or one not complete in --frame-time closes the connection.\n"
-           "\nExit codes: 0 ok, 1 usage, 2 label file, 3 cannot listen, 7 an --expect was not met\n"
-           "\nExamples:\n"
-           "  vornex-sim -l examples/plant.json -p 2000\n"
-           "  vornex-sim -l examples/plant.json -p 0 --fault 'drop@every=50' --fault 'delay(100,400)@p=0.1' --seed 7\n"
-           "  vornex-sim --pattern -p 0 --control - --expect 'writes>=3' -o json\n";
+// The range without a second description of itself in the help.
+CLI::Validator range(int lowest, int highest) {
+    return CLI::Range(lowest, highest).description("");
 }
 
-void addFaultOptions(CLI::App& app, Options& options) {
-    app.add_option("--fault", options.faults, "Fault by rule, see below; may stand several times")
-        ->type_name("RULE")
-        ->allow_extra_args(false);
-    app.add_option("--seed", options.seed, "Seed of everything random")->capture_default_str();
-    app.add_option("--pattern", options.pattern,
-                   "Serve a pattern instead of values: read, fixed:N or a period like 250ms")
-        ->type_name("[STEP]")
+void addServing(CLI::App& app, Options& options) {
+    app.add_option("-l,--labels", options.labels, "Label file: what is in the memory and how it moves")
+        ->type_name("FILE");
+    app.add_option("-p,--port", options.port,
+                   "TCP port; 0 takes a free one [the port of the label file's target, or 0]")
+        ->type_name("PORT");
+    app.add_option("--listen", options.listen, "Address to listen on")->type_name("ADDR")->capture_default_str();
+    app.add_option("--pattern", options.pattern, "A pattern instead of values: read, fixed:N or a period like 250ms")
+        ->type_name("STEP")
         ->expected(0, 1)
         ->default_str("read");
-    app.add_option("--control", options.control, "Take control lines from standard input (-) or a unix socket at PATH")
+}
+
+void addTesting(CLI::App& app, Options& options) {
+    app.add_option("--fault", options.faults, "A fault by rule; may stand several times")
+        ->type_name("RULE")
+        ->allow_extra_args(false);
+    app.add_option("--seed", options.seed, "Seed of everything random")->type_name("N")->capture_default_str();
+    app.add_option("--control", options.control, "Control lines from standard input (-) or a unix socket at PATH")
         ->type_name("-|PATH");
     app.add_option("--expect", options.expectations,
-                   "COUNTER>=NUMBER at the end, else exit code 7; may stand several times")
+                   "What a counter must be at the end, like writes>=3, else exit code 7; may stand several times")
         ->type_name("EXPR")
         ->allow_extra_args(false);
 }
 
 void addCaps(CLI::App& app, Options& options) {
-    app.add_option("--max-clients", options.caps.clients, "Connections at a time")
-        ->check(CLI::Range(1, 1000))
+    app.add_option("--max-clients", options.caps.clients, "Connections at a time, 1 to 1000")
+        ->type_name("N")
+        ->check(range(1, 1000))
         ->capture_default_str();
-    app.add_option("--max-frame", options.caps.frame, "Bytes of a request or an answer")
-        ->check(CLI::Range(12, 65541))
+    app.add_option("--max-frame", options.caps.frame, "Bytes of a request, and of an answer, 12 to 65541")
+        ->type_name("BYTES")
+        ->check(range(12, 65541))
         ->capture_default_str();
-    app.add_option("--frame-time", options.caps.frameTime, "ms from a frame's first byte to its last")
-        ->check(CLI::Range(1, 3600000))
+    app.add_option("--frame-time", options.caps.frameTime, "From a frame's first byte to its last, 1 to 3600000")
+        ->type_name("MS")
+        ->check(range(1, 3600000))
         ->capture_default_str();
+}
+
+void addOutput(CLI::App& app, Options& options) {
+    app.add_option("-o,--output", options.output, "The summary as text or json")
+        ->type_name("FORMAT")
+        ->check(CLI::IsMember({"text", "json"}).description(""))
+        ->capture_default_str();
+    app.add_option("--log", options.logFile, "Log to the end of FILE instead of standard error")->type_name("FILE");
+    app.add_flag("-q,--quiet", options.quiet, "No log");
+    app.add_flag("-v,--verbose", options.verbose, "Log clients and requests too");
+    app.add_flag("--man", "Print the manual page");
+    app.add_flag("--completion", "Print the bash completion");
+}
+
+int reportError(CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);
+    std::cerr << "vornex-sim: " << error.what() << "\nvornex-sim --help lists the options.\n";
+    return int(Exit_Code::Usage);
 }
 
 }  // namespace
 
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
-    CLI::App app(
-        "A controller to talk to: serves the memory that a label file describes, over TCP, with faults on demand.",
-        "vornex-sim");
+    CLI::App app(Purpose, "vornex-sim");
     app.set_version_flag("--version", std::string("vornex-sim ") + VORNEX_VERSION);
-    app.add_option("-l,--labels", options.labels, "Label file: what is in the memory and how it moves")
-        ->type_name("FILE");
-    app.add_option("-p,--port", options.port, "TCP port; 0 takes a free one [the port of the label file's target]")
-        ->type_name("PORT");
-    app.add_option("--listen", options.listen, "Address to listen on")->type_name("ADDR")->capture_default_str();
-    addFaultOptions(app, options);
+    addServing(app, options);
+    addTesting(app, options);
     addCaps(app, options);
-    app.add_option("-o,--output", options.output, "Summary as text or json")
-        ->check(CLI::IsMember({"text", "json"}))
-        ->capture_default_str();
-    app.add_option("--log", options.logFile, "Log to FILE instead of standard error")->type_name("FILE");
-    app.add_flag("-q,--quiet", options.quiet, "No log");
-    app.add_flag("-v,--verbose", options.verbose, "Log clients and requests too");
-    app.footer(footer());
+    addOutput(app, options);
+    app.footer(helpFooter());
     try {
         app.parse(argc, argv);
+        if (app.count("--man")) return std::cout << manPage(app), int(Exit_Code::Ok);
+        if (app.count("--completion")) return std::cout << bashCompletion(app), int(Exit_Code::Ok);
         if (options.labels.empty() && options.pattern.empty()) throw CLI::RequiredError("--labels or --pattern");
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? int(Exit_Code::Ok) : int(Exit_Code::Usage);
+        return reportError(app, error);
     }
     return std::nullopt;
 }

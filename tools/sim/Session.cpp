@@ -61,8 +61,9 @@ void Session::onReceived(const asio::error_code& error, std::size_t bytes) {
     server.controller.stats.bytesIn += bytes;
     if (!inputEnded) {
         received.insert(received.end(), chunk.begin(), chunk.begin() + static_cast<std::ptrdiff_t>(bytes));
+        const std::size_t before = received.size();
         if (!serveFrames()) return;
-        watchFrameTime();
+        watchFrameTime(received.size() < before);
     }
     receive();
 }
@@ -97,9 +98,10 @@ bool Session::rejectFrame(const Parsed_Frame& frame) {
     return !broken;
 }
 
-void Session::watchFrameTime() {
+// A frame was completed: what is left is the beginning of another, with a time of its own.
+void Session::watchFrameTime(bool completed) {
     const bool partial = !received.empty();
-    if (partial == frameTimed) return;
+    if (partial == frameTimed && !completed) return;
     frameTimed = partial;
     if (!partial) {
         frameTimer.cancel();
@@ -107,7 +109,9 @@ void Session::watchFrameTime() {
     }
     frameTimer.expires_after(Milliseconds(server.caps.frameTime));
     frameTimer.async_wait([self = shared_from_this()](const asio::error_code& error) {
-        if (error || self->over || !self->frameTimed) return;
+        // it may have run out just before a frame was completed
+        const bool early = self->frameTimer.expiry() > std::chrono::steady_clock::now();
+        if (error || early || self->over || !self->frameTimed) return;
         ++self->server.controller.stats.slowFrames;
         self->note("frame not complete in time, connection closed");
         self->end(false);
@@ -197,8 +201,7 @@ void Session::closeSending() {
     steps.clear();
     received.assign(1, 0);  // the frame time bounds the wait for the client's own end
     inputEnded = true;
-    frameTimed = false;
-    watchFrameTime();
+    watchFrameTime(true);
     receive();
 }
 

@@ -47,7 +47,7 @@ private:
     void serve(const Request& request);
     void deliver(Delivery delivery);
     void addPieces(const Delivery& delivery, Milliseconds wait);
-    void watchFrameTime();
+    void watchFrameTime(bool completed);
     void pump();
     void send();
     void onSent(const asio::error_code& error);

@@ -1,6 +1,7 @@
 #include "Summary.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 #include <nlohmann/json.hpp>
@@ -37,8 +38,8 @@ std::string summaryText(const Summary& summary) {
     text += "\n";
     for (const Fault_Rule& rule : summary.rules) {
         text += "fault " + rule.text + ": " +
-                (rule.fired ? "applied " + std::to_string(rule.fired) + " times, " : "never applied, ") +
-                std::to_string(rule.seen) + " requests came in question\n";
+                (rule.fired ? "applied to " + std::to_string(rule.fired) : std::string("NEVER APPLIED, to none")) +
+                " of " + std::to_string(rule.seen) + " requests in question\n";
     }
     for (const Expectation& expectation : summary.expectations) {
         const std::uint64_t value = valueOf(summary.counters, expectation.counter);
@@ -50,7 +51,7 @@ std::string summaryText(const Summary& summary) {
 
 std::string summaryJson(const Summary& summary) {
     nlohmann::ordered_json json;
-    json["seconds"] = summary.seconds;
+    json["seconds"] = std::round(summary.seconds * 1000) / 1000;
     json["seed"] = summary.seed;
     for (const auto& counter : summary.counters) {
         const bool isFault = counter.first.rfind("fault.", 0) == 0;

@@ -94,7 +94,7 @@ const char* const MotionHelp =
     "const(VALUE)  ramp(LOW,HIGH,PERIOD)  sine(LOW,HIGH,PERIOD)  square(LOW,HIGH,PERIOD)\n"
     "toggle(HOLD)  random(LOW,HIGH[,HOLD])  count(HOLD[,FIRST[,STEP]])\n"
     "PERIOD and HOLD in ms. The elements of an array follow each other by a tenth of the period.\n"
-    "A write, or set on a control line, stops the motion and its value stays.";
+    "A write, or set on a control line, stops the motion and its value stays.\n";
 
 Motion parseMotion(const std::string& text, View view, std::uint32_t bytes) {
     const std::size_t open = text.find('(');
