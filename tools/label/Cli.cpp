@@ -6,6 +6,7 @@
 
 #include "Help.h"
 #include "Tool.h"
+#include "Value.h"
 #include "Verb_Table.h"
 
 namespace vornex {
@@ -29,9 +30,15 @@ CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& 
     return option;
 }
 
-// CLI11's own Range, without its types and numbers in every line of the help.
+// CLI11's own Range puts its types and decimals into every line of the help and every message.
 CLI::Validator within(double low, double high) {
-    return CLI::Validator([range = CLI::Range(low, high)](std::string& text) { return range(text); }, "");
+    const auto check = [low, high](std::string& text) {
+        double number = 0;
+        const bool fits = CLI::detail::lexical_cast(text, number) && number >= low && number <= high;
+        return fits ? std::string()
+                    : "'" + text + "' is no number from " + shortestNumber(low) + " to " + shortestNumber(high);
+    };
+    return CLI::Validator(check, "");
 }
 
 void addOption(CLI::App& app, const Option& option, const std::string& group) {
@@ -94,8 +101,9 @@ int runTool(int argc, char** argv) {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        const int code = app.exit(error, std::cout, std::cerr);
-        return code == 0 ? 0 : static_cast<int>(Exit_Code::Usage);
+        if (error.get_exit_code() == 0) return app.exit(error, std::cout, std::cerr);  // help, version
+        std::cerr << "vornex-label: " << error.what() << "; see --help\n";
+        return static_cast<int>(Exit_Code::Usage);
     }
     return runVerb(*chosen, options);
 }

@@ -15,7 +15,8 @@ std::string exampleText(const Verb& verb);
 
 // The manual page of the whole tool in man(7) format.
 std::string manPage(const std::vector<Verb>& verbs);
-// The manual page of one verb.
+// The manual page of one verb, and the page's name without its section.
+std::string pageName(const Verb& verb);
 std::string verbManPage(const Verb& verb);
 // A bash script that completes verbs, options and their values.
 std::string bashCompletion(const std::vector<Verb>& verbs);

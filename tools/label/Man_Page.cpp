@@ -66,13 +66,13 @@ std::string commonSection() {
     return ".SH COMMON OPTIONS\n" + optionList(commonOptions(unused), false);
 }
 
+}  // namespace
+
 std::string pageName(const Verb& verb) {
     std::string name = "vornex-label-" + verb.name;
     for (char& letter : name) letter = letter == ' ' ? '-' : letter;
     return name;
 }
-
-}  // namespace
 
 std::string manPage(const std::vector<Verb>& verbs) {
     std::string text = heading("vornex-label", "labels of a controller, read, written and watched through the driver");

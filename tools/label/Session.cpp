@@ -38,7 +38,7 @@ void setUpComInfo(ComInfo& comInfo, const Common_Options& options) {
 }
 
 Session::Session(Tool& userTool) : tool(userTool), library(userTool.driver()) {
-    const Label_File& file = tool.labels();
+    const Label_File& file = tool.labelsIfAny();
     setUpComInfo(comInfo, tool.options);
     library.SetComInfo(&comInfo);
     library.RegistCallBackFuncIntf(&Session::notify, nullptr);
@@ -55,7 +55,7 @@ Session::~Session() {
 }
 
 void Session::findTarget() {
-    targetText = tool.options.target.empty() ? tool.labels().target : tool.options.target;
+    targetText = tool.options.target.empty() ? tool.labelsIfAny().target : tool.options.target;
     const std::size_t colon = targetText.rfind(':');
     if (colon == std::string::npos) return;
     settings.host = targetText.substr(0, colon);

@@ -26,6 +26,10 @@ const Label_File& Tool::labels() {
     return *labelFile;
 }
 
+const Label_File& Tool::labelsIfAny() {
+    return options.labelFile.empty() ? noLabels : labels();
+}
+
 const Driver_Library& Tool::driver() {
     if (!library) {
         library = std::make_unique<Driver_Library>(options.library);

@@ -18,6 +18,8 @@ public:
 
     // The label file of -l. Throws Tool_Error: Usage without -l, Label for a mistake in the file.
     const Label_File& labels();
+    // The same, but an empty file without -l: for verbs that can do without labels.
+    const Label_File& labelsIfAny();
     // The driver, loaded. Throws Tool_Error Library.
     const Driver_Library& driver();
 
@@ -26,6 +28,7 @@ public:
 
 private:
     std::unique_ptr<Label_File> labelFile;
+    const Label_File noLabels;
     std::unique_ptr<Driver_Library> library;
 };
 

@@ -23,7 +23,8 @@ std::string byteLines(const std::string& bytes) {
 class Text_Trace : public Trace {
 public:
     Text_Trace(const std::string& name, Tool& tool)
-        : out(name), names(tool.labels()), target(tool.options.target.empty() ? tool.labels().target : tool.options.target) {}
+        : out(name), names(tool.labelsIfAny()),
+          target(tool.options.target.empty() ? tool.labelsIfAny().target : tool.options.target) {}
 
     void frameGiven(const Exchange& exchange) override {
         const bool read = exchange.request.command == Request_View::Command::Read;

@@ -14,6 +14,9 @@ std::vector<Verb> allVerbs() {
         labelsConvertVerb(),
         labelsLintVerb(),
         labelsNamesVerb(),
+        dumpVerb(),
+        statsVerb(),
+        replayVerb(),
         manVerb(),
         completionVerb(),
     };

@@ -21,6 +21,9 @@ Verb infoVerb();
 Verb labelsConvertVerb();
 Verb labelsLintVerb();
 Verb labelsNamesVerb();
+Verb dumpVerb();
+Verb statsVerb();
+Verb replayVerb();
 Verb manVerb();
 Verb completionVerb();
 

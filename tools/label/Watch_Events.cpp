@@ -37,9 +37,11 @@ void Watch_Events::interrupted() {
     changed.notify_all();
 }
 
-Watch_News Watch_Events::wait() {
+Watch_News Watch_Events::wait(Steady_Time until) {
     std::unique_lock<std::mutex> lock(mutex);
-    changed.wait(lock, [this] { return pending; });
+    const auto ready = [this] { return pending; };
+    if (until == Steady_Time::max()) changed.wait(lock, ready);
+    else changed.wait_until(lock, until, ready);
     pending = false;
     Watch_News taken;
     taken.rounds = news.rounds;

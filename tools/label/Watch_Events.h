@@ -33,8 +33,8 @@ public:
     void roundDone(int rounds) override;
     void interrupted() override;
 
-    // Blocks until there is news that a watch acts on; hands it over.
-    Watch_News wait();
+    // Blocks until there is news that a watch acts on, or the time has come; hands it over.
+    Watch_News wait(Steady_Time until = Steady_Time::max());
 
 private:
     std::mutex mutex;

@@ -1,0 +1,170 @@
+// vornex-label stats
+#include <cstdio>
+#include <memory>
+
+#include "Online.h"
+#include "Status_Text.h"
+#include "Variables.h"
+#include "Verb_Table.h"
+#include "Watch_Events.h"
+
+namespace vornex {
+
+namespace {
+
+struct Stats_Options {
+    std::vector<std::string> labels;
+    int rounds = 0;
+    int interval = 0;
+    double seconds = 0;
+    int index = 0;
+};
+
+// What a round asks for, to judge the packing by.
+struct Workload {
+    std::size_t variables = 0;
+    std::uint64_t bytesWanted = 0;
+    int requests = 0;
+};
+
+std::string fixed(double number, int digits) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", digits, number);
+    return text;
+}
+
+double per(double amount, double unit) { return unit > 0 ? amount / unit : 0; }
+
+Row figuresRow(const Statistics_Figures& now) {
+    Row row;
+    row.add("seconds", Value::number(fixed(now.seconds, 3))).add("rounds", now.rounds).add("exchanges", now.attempts);
+    row.add("good", now.good).add("retries", now.retries).add("givenUp", now.gaveUp());
+    row.add("connectionsLost", now.linkLosses).add("bytesSent", now.bytesSent);
+    row.add("bytesReceived", now.bytesReceived).add("dataBytes", now.dataBytes);
+    row.add("p50us", now.latency(0.5)).add("p99us", now.latency(0.99)).add("maxUs", now.latency(1));
+    return row;
+}
+
+// One line a second, of that second alone.
+void showSecond(Output& out, const Statistics_Figures& before, const Statistics_Figures& now) {
+    const double time = now.seconds - before.seconds;
+    Row row = figuresRow(now);
+    const double exchanges = per(static_cast<double>(now.attempts - before.attempts), time);
+    const double data = per(static_cast<double>(now.dataBytes - before.dataBytes), time);
+    row.add("exchangesPerSecond", Value::number(fixed(exchanges, 1)));
+    out.row(row, fixed(now.seconds, 0) + " s: " + fixed(exchanges, 0) + " exchanges/s, " + fixed(data / 1000, 1) +
+                     " kB/s data, " + std::to_string(now.retries - before.retries) + " retries, " +
+                     std::to_string(now.gaveUp() - before.gaveUp()) + " given up");
+}
+
+std::string listText(const std::map<std::string, std::uint64_t>& counts) {
+    std::string text;
+    for (const auto& [name, count] : counts) text += (text.empty() ? "" : ", ") + name + " " + std::to_string(count);
+    return text;
+}
+
+void showPacking(Output& out, const Workload& work, const Statistics_Figures& now) {
+    const double good = static_cast<double>(now.good);
+    const double wanted = static_cast<double>(work.bytesWanted) * now.rounds;
+    out.text("packing: " + std::to_string(work.variables) + " variables of " + std::to_string(work.bytesWanted) +
+             " bytes in " + std::to_string(work.requests) + " requests a round; a frame carried " +
+             fixed(per(static_cast<double>(now.itemsRead), good), 1) + " requests and " +
+             fixed(per(static_cast<double>(now.dataBytes), good), 1) + " data bytes, " +
+             fixed(100 * per(wanted, static_cast<double>(now.dataBytes)), 0) + " % of them wanted");
+}
+
+void showSummary(Output& out, const std::string& target, const Workload& work, const Statistics_Figures& now) {
+    std::map<std::string, std::uint64_t> bands;
+    for (const auto& [band, count] : now.giveUps) bands[bandText(band) + " (" + std::to_string(band) + ")"] = count;
+    if (out.format != Output::Format::Text) {
+        Row row = figuresRow(now);
+        row.add("variables", static_cast<std::uint64_t>(work.variables)).add("bytesWanted", work.bytesWanted);
+        row.add("requestsPerRound", work.requests).add("requestsRead", now.itemsRead);
+        row.add("faults", listText(now.faults)).add("giveUps", listText(bands));
+        return out.row(row, "");
+    }
+    out.text("--- " + target + " ---");
+    out.text(std::to_string(now.attempts) + " exchanges in " + fixed(now.seconds, 1) + " s (" +
+             fixed(per(static_cast<double>(now.attempts), now.seconds), 1) + "/s), " + std::to_string(now.good) +
+             " good, " + std::to_string(now.retries) + " retries, " + std::to_string(now.gaveUp()) + " given up, " +
+             std::to_string(now.linkLosses) + " connections lost");
+    out.text("sent " + std::to_string(now.bytesSent) + " bytes, received " + std::to_string(now.bytesReceived) +
+             ", data " + std::to_string(now.dataBytes) + "; " + std::to_string(now.rounds) + " rounds (" +
+             fixed(per(now.rounds, now.seconds), 1) + "/s)");
+    if (!now.faults.empty()) out.text("faults: " + listText(now.faults));
+    if (!bands.empty()) out.text("given up: " + listText(bands));
+    out.text("latency p50 " + millisecondsText(now.latency(0.5)) + ", p99 " + millisecondsText(now.latency(0.99)) +
+             ", max " + millisecondsText(now.latency(1)));
+    showPacking(out, work, now);
+}
+
+Workload startPolling(Tool& tool, Session& session, const Stats_Options& options) {
+    std::vector<Label_Range> ranges;
+    Workload work;
+    for (const Variable& variable : findVariables(session, tool.labels(), options.labels, options.index)) {
+        ranges.push_back(variable.range);
+        work.bytesWanted += variable.bytes;
+    }
+    work.variables = ranges.size();
+    session.connect();
+    work.requests = session.poll(ranges, Milliseconds(options.interval));
+    if (work.requests == 0) throw Tool_Error(Exit_Code::Label, "the driver made no request of these labels");
+    return work;
+}
+
+Exit_Code stats(Tool& tool, const Stats_Options& options) {
+    Watch_Events events;
+    Online online(tool);
+    online.session.addObserver(events);
+    const Workload work = startPolling(tool, online.session, options);
+    const Steady_Time start = std::chrono::steady_clock::now();
+    const std::chrono::duration<double> most(options.seconds > 0 ? options.seconds : 1e9);
+    const Steady_Time end = start + std::chrono::duration_cast<Steady_Time::duration>(most);
+    Steady_Time next = start + std::chrono::seconds(1);
+    Statistics_Figures before;
+    for (;;) {
+        const Watch_News news = events.wait(std::min(next, end));
+        const Statistics_Figures now = online.statistics.figures();
+        const Steady_Time time = std::chrono::steady_clock::now();
+        const bool enough = options.rounds > 0 && news.rounds >= options.rounds;
+        if (news.interrupted || enough || time >= end) {
+            showSummary(tool.out, online.session.target(), work, now);
+            if (news.interrupted) return Exit_Code::Interrupted;
+            return now.good > 0 ? Exit_Code::Ok : Exit_Code::GaveUp;
+        }
+        if (time < next) continue;
+        showSecond(tool.out, before, now);
+        before = now;
+        next += std::chrono::seconds(1);
+    }
+}
+
+}  // namespace
+
+Verb statsVerb() {
+    const auto own = std::make_shared<Stats_Options>();
+    Verb verb;
+    verb.name = "stats";
+    verb.summary = "Poll labels and measure the link";
+    verb.description =
+        "Polls labels as fast as the controller answers, or at an interval, and tells exchanges, data, retries, give-ups "
+        "by result code, latency and how the driver packed the requests: a line a second and a summary at the end, also "
+        "after Ctrl-C.\n\nExit status 4 tells that no exchange was good.";
+    verb.options = {
+        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels).must(),
+        Option("-d,--duration", "SECONDS", "End after so long (0: go on).", &own->seconds).between(0, 1e6),
+        Option("-n,--rounds", "N", "End after N rounds (0: go on).", &own->rounds).between(0, 1000000000),
+        Option("-i,--interval", "MS", "Least time from round to round (0).", &own->interval).between(0, 86400000),
+        Option("--index", "N", "The index that takes the place of %% in a template (0).", &own->index)
+            .between(-2147483647, 2147483647),
+    };
+    verb.examples = {
+        {"stats -l plant.json '*' -d 10", "Ten seconds over all labels."},
+        {"stats -l plant.json Motors -i 100 -n 600", "A minute at the pace of a panel."},
+        {"stats -l plant.json Speed -d 5 -o json", "An object a second, the last one the summary."},
+    };
+    verb.run = [own](Tool& tool) { return stats(tool, *own); };
+    return verb;
+}
+
+}  // namespace vornex
