@@ -1,5 +1,6 @@
 #include "Control_Port.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <iostream>
@@ -47,7 +48,10 @@ private:
 void controlByStdin(asio::io_context& context, Line_Handler handler) {
     using Stream = asio::posix::stream_descriptor;
     const auto print = [](Stream&, const std::string& text) { std::cout << text << std::flush; };
-    std::make_shared<Line_Reader<Stream>>(Stream(context, ::dup(STDIN_FILENO)), std::move(handler), print)->read();
+    // asio makes the descriptor non-blocking; opened anew, a terminal stays blocking for our output and for the shell
+    int descriptor = ::open("/dev/stdin", O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) descriptor = ::dup(STDIN_FILENO);
+    std::make_shared<Line_Reader<Stream>>(Stream(context, descriptor), std::move(handler), print)->read();
 }
 
 Control_Socket::Control_Socket(asio::io_context& context, const std::string& socketPath, Line_Handler lineHandler)

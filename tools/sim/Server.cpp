@@ -36,9 +36,18 @@ void Server::open() {
 void Server::accept() {
     acceptor.async_accept([this](const asio::error_code& error, asio::ip::tcp::socket socket) {
         if (error == asio::error::operation_aborted || !acceptor.is_open()) return;
-        if (!error) onAccepted(std::move(socket));
-        if (error) controller.log("a connection was lost before it began: " + error.message());
+        if (error) return acceptLater(error);
+        onAccepted(std::move(socket));
         accept();
+    });
+}
+
+// Out of descriptors, for one: at once the same would happen again.
+void Server::acceptLater(const asio::error_code& reason) {
+    controller.log("no connection can be taken: " + reason.message());
+    reopenTimer.expires_after(milliseconds(100));
+    reopenTimer.async_wait([this](const asio::error_code& error) {
+        if (!error) accept();
     });
 }
 

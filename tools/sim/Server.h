@@ -43,6 +43,7 @@ private:
     using Clock = std::chrono::steady_clock;
     void open();
     void accept();
+    void acceptLater(const asio::error_code& reason);
     void onAccepted(asio::ip::tcp::socket socket);
     void reopenLater(std::chrono::milliseconds wait);
     void endSessions(bool reset);

@@ -10,7 +10,7 @@ namespace vornex::sim {
 namespace {
 
 std::string counted(const Summary& summary, const char* name) {
-    return std::to_string(valueOf(summary.counters, name)) + " " + name;
+    return std::string(", ") + name + " " + std::to_string(valueOf(summary.counters, name));
 }
 
 std::string secondsText(double seconds) {
@@ -30,10 +30,10 @@ bool allMet(const Summary& summary) {
 std::string summaryText(const Summary& summary) {
     std::string text = "summary: " + secondsText(summary.seconds);
     for (const char* name : {"clients", "requests", "reads", "writes", "bytesRead", "bytesWritten", "faults"}) {
-        text += ", " + counted(summary, name);
+        text += counted(summary, name);
     }
     for (const char* name : {"clientsRefused", "badFrames", "slowFrames"}) {
-        if (valueOf(summary.counters, name)) text += ", " + counted(summary, name);
+        if (valueOf(summary.counters, name)) text += counted(summary, name);
     }
     text += "\n";
     for (const Fault_Rule& rule : summary.rules) {
