@@ -106,12 +106,18 @@ TEST(Label_File, readsCommentsKeysAndLines) {
     EXPECT_EQ(file.structs.at("S").members[0].view, View::F32);
 }
 
-TEST(Label_File, missingFileIsNamed) {
-    try {
-        readLabelFile("no/such/file.json");
-        FAIL() << "was read";
-    } catch (const File_Error& error) {
-        EXPECT_STREQ(error.what(), "no/such/file.json: cannot be read: No such file or directory");
+TEST(Label_File, aPathThatCannotBeReadIsNamed) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"no/such/file.json", "no/such/file.json: cannot be read: No such file or directory"},
+        {EXAMPLES_DIR, EXAMPLES_DIR ": is a folder, not a label file"},
+    };
+    for (const auto& row : rows) {
+        try {
+            readLabelFile(row.first);
+            ADD_FAILURE() << row.first << " was read";
+        } catch (const File_Error& error) {
+            EXPECT_STREQ(error.what(), row.second);
+        }
     }
 }
 

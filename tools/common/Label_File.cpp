@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <set>
@@ -255,10 +256,12 @@ Label_File parseLabelFile(const std::string& text, const std::string& path) {
 }
 
 Label_File readLabelFile(const std::string& path) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) throw File_Error(path + ": is a folder, not a label file");
     std::ifstream stream(path, std::ios::binary);
+    if (!stream) throw File_Error(path + ": cannot be read: " + std::strerror(errno));
     std::ostringstream text;
-    if (stream) text << stream.rdbuf();
-    if (!stream.is_open()) throw File_Error(path + ": cannot be read: " + std::strerror(errno));
+    text << stream.rdbuf();
     const std::size_t dot = path.rfind('.');
     const bool isCsv = dot != std::string::npos && (path.substr(dot) == ".csv" || path.substr(dot) == ".CSV");
     return isCsv ? parseLabelCsv(text.str(), path) : parseLabelFile(text.str(), path);
