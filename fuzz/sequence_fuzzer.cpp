@@ -1,0 +1,306 @@
+// Sequences over the entry points: rebuilds while a read is in flight, station switches, give-ups, remote area, full
+// queues. A model beside the driver says what the image, the write queue and the notices must be after each step.
+#include "Driver_Records.h"
+#include "Fuzz_Input.h"
+
+namespace {
+
+typedef QHash<unsigned int, unsigned char> Image;
+
+// In the input: begin with an almost full write queue. Costly, hence hard to stumble on.
+const quint32 QueueFiller = 0x4C4C5546;
+
+// The labels, all known to the model: name, type code, address, host units in one element.
+struct Known_Label {
+    const char* name;
+    int typeCode;
+    quint32 address;
+    int elementBytes;
+};
+const Known_Label Labels[] = {{"V", 5, 0x100, 4}, {"W", 3, 0x1000, 2}, {"Q", 8, 0xFFFFFFF8, 8}, {"B[2]", 1, 0x402, 1}};
+
+int bytesOf(const Known_Label& label, int count) {
+    const int units = label.elementBytes == 1 ? 1 : label.elementBytes / 2;  // host units in an element
+    return (count + units - 1) / units * label.elementBytes;
+}
+
+struct Model_Write {
+    quint32 address;
+    QByteArray data;
+    int varId;
+    int station;
+};
+
+QList<int> notices;  // varId and state of each write's notice, one after the other
+void onNotify(int, int varType, int varId, int state) {
+    if (varType == 3) notices << varId << state;
+}
+void onFailure(QList<RW_VAR>*, int, int) {}
+
+unsigned byteAt(const QByteArray& bytes, int at) {
+    return static_cast<unsigned char>(bytes.at(at));
+}
+quint32 wordAt(const QByteArray& bytes, int at) {
+    return byteAt(bytes, at) | byteAt(bytes, at + 1) << 8 | byteAt(bytes, at + 2) << 16 | byteAt(bytes, at + 3) << 24;
+}
+
+class Run {
+public:
+    explicit Run(Fuzz_Input& bytes) : input(bytes) {
+        forgetEverything();
+        notices.clear();
+        SetComInfo(&settings);
+        RegistCallBackFuncIntf(onNotify, onFailure);
+        settings.localAreaId = LocalArea;
+        settings.maxBytesPerRequest = 1 + input.below(250);
+        settings.retryLimit = input.below(3);
+        settings.multiStation = input.chance();
+        settings.writeMode = input.below(4) == 0 ? 0 : 2;
+        define();
+        if (input.take32() == QueueFiller) fillQueue();
+    }
+
+    void steps() {
+        while (!input.isEmpty()) {
+            step(input.below(16));
+            REQUIRE(PLC_driver.writeList.size() <= QueueLimit && PLC_driver.onceReadList.size() <= QueueLimit);
+            REQUIRE(PLC_driver.writeBurst <= 5 && PLC_driver.onceReadBurst <= 5);
+            REQUIRE(notices == expectedNotices);
+        }
+        REQUIRE(PLC_driver.dataImage == image);
+    }
+
+private:
+    void step(int what) {
+        if (what < 2) return write();
+        if (what == 2) return read();
+        if (what == 3) return rebuild();
+        if (what == 4) return readOnce();
+        if (what == 5) return EnableEthernet(input.below(4) - 1, input.below(3));
+        if (what == 6) return change();
+        if (what < 11) return communicate();
+        answer(what);
+    }
+
+    void define() {
+        static QList<Label_Type_Info> labels = {makeLabel("V", 5, 0x100), makeLabel("W", 3, 0x1000),
+                                                makeLabel("Q", 8, 0xFFFFFFF8), makeLabel("B", 1, 0x400, {10, 0, 9})};
+        PassVarName_2(&labels);
+    }
+
+    void fillQueue() {
+        for (int i = 0; i < 2046; ++i) {
+            RW_VAR request = makeWrite(static_cast<quint32>(i), "x", 1000 + i / 2, i % 3);
+            request.varType = 3;
+            REQUIRE(AddListWriteVar(&request) == i + 1);
+            writes.append(Model_Write{request.address, request.data, request.varId, request.station});
+        }
+    }
+
+    // --- host threads ---
+
+    void write() {
+        const Known_Label& label = Labels[input.below(4)];
+        const int count = input.below(64) == 0 ? 400 + input.below(200) : input.below(9);
+        QByteArray value = input.takeBytes(input.below(9));
+        const int varId = input.below(6);
+        const int station = input.below(3);
+        QByteArray bytes = value.left(bytesOf(label, count));
+        bytes.append(QByteArray(bytesOf(label, count) - bytes.size(), '\0'));
+        SetRegisterData(text(label.name), 0, QString(), station, &value, count, 3, varId);
+        if (settings.writeMode != 2 || failed) store(label.address, bytes);
+        if (settings.writeMode != 2) return;
+        for (int at = 0; at < bytes.size() && writes.size() < QueueLimit; at += 1000)
+            writes.append(Model_Write{label.address + static_cast<quint32>(at), bytes.mid(at, 1000), varId,
+                                      settings.multiStation ? station : settings.stationNo});
+    }
+
+    void read() {
+        const Known_Label& label = Labels[input.below(4)];
+        const int count = input.below(9);
+        QByteArray out;
+        const QString name = label.name[1] ? text("B[%%]") : text(label.name);
+        REQUIRE(GetRegisterData(name, 0, text("2"), 0, &out, count) == 1 && out.size() == bytesOf(label, count));
+        for (int i = 0; i < out.size(); ++i) {
+            unsigned char& known = image[label.address + static_cast<unsigned>(i)];
+            REQUIRE(static_cast<unsigned char>(out.at(i)) == known);
+        }
+    }
+
+    void readOnce() {
+        const Known_Label& label = Labels[input.below(4)];
+        RW_VAR request = makeRequest(0, input.below(200), input.below(3), input.below(3));
+        request.label = text(label.name);
+        AddListOnceReadVar(&request);
+    }
+
+    void rebuild() {
+        QList<HOST_VAR> definitions;
+        QList<int> chosen;
+        for (int i = input.below(6); i > 0; --i) {
+            HOST_VAR definition;
+            chosen << input.below(4);
+            definition.label = text(Labels[chosen.last()].name);
+            definition.count = input.below(32) == 0 ? 600 : input.below(40);
+            definition.station = static_cast<quint8>(input.below(3));
+            definitions << definition;
+        }
+        REQUIRE(ReCreatReadVarList(&definitions) == PLC_driver.readList.size());
+        for (const RW_VAR& entry : PLC_driver.readList)
+            REQUIRE(settings.maxBytesPerRequest == 1 || (entry.length > 0 && entry.length <= settings.maxBytesPerRequest));
+        for (int i = 0; i < chosen.size(); ++i)
+            checkCovered(Labels[chosen.at(i)], definitions.at(i).count);
+    }
+
+    void checkCovered(const Known_Label& label, int count) const {
+        // Entries are in the order of signed addresses: go forward through the bytes as far as each entry reaches.
+        qint64 at = static_cast<qint32>(label.address);
+        const qint64 end = at + bytesOf(label, count);
+        for (const RW_VAR& entry : PLC_driver.readList) {
+            const qint64 start = static_cast<qint32>(entry.address);
+            if (start <= at && start + entry.length > at) at = start + entry.length;
+        }
+        REQUIRE(at >= end);
+    }
+
+    // What the host changes on the exchange thread between two calls.
+    void change() {
+        const int what = input.below(8);
+        if (what == 0) settings.remoteMode = input.chance();
+        if (what == 1) settings.localAreaId = input.chance() ? LocalArea : RemoteArea;
+        if (what == 2) settings.maxBytesPerRequest = 1 + input.below(250);
+        if (what == 3) settings.writeMode = input.chance() ? 2 : 0;
+        if (what == 4) define();
+    }
+
+    // --- exchange thread ---
+
+    void communicate() {
+        const bool resent = !sent.isEmpty();
+        const Protocol* const protocol = ComCommunication();
+        if (resent) {
+            REQUIRE(protocol != nullptr && protocol->frame == sent);
+            return;
+        }
+        forgetDropped();
+        if (protocol == nullptr) {
+            REQUIRE(settings.finishFlag == 1 && PLC_driver.writeBurst == 0);
+            return;
+        }
+        sent = protocol->frame;
+        REQUIRE(sent.size() == protocol->frameLength && sealedFast(sent.left(sent.size() - 2)) == sent);
+        isWrite = sent.at(3) == 0x40;
+        if (isWrite)
+            checkWriteFrame();
+        else
+            checkReadFrame(*protocol);
+    }
+
+    // Writes for stations that are off leave the head of the queue without a notice.
+    void forgetDropped() {
+        while (writes.size() > PLC_driver.writeList.size()) {
+            REQUIRE(PLC_driver.stationMap.contains(writes.first().station));
+            writes.removeFirst();
+        }
+        REQUIRE(writes.size() == PLC_driver.writeList.size());
+    }
+
+    void checkWriteFrame() {
+        REQUIRE(!writes.isEmpty());
+        const Model_Write& head = writes.first();
+        REQUIRE(wordAt(sent, 4) == head.address && sent.mid(10, sent.size() - 12) == head.data);
+        REQUIRE(!PLC_driver.stationMap.contains(head.station));
+        if (!failed) store(head.address, head.data);
+    }
+
+    void checkReadFrame(const Protocol& protocol) {
+        int bytes = 0;
+        const int ranges = (sent.size() - 6) / 6;
+        for (int i = 0; i < ranges; ++i)
+            bytes += static_cast<int>(byteAt(sent, 8 + 6 * i) | byteAt(sent, 9 + 6 * i) << 8);
+        REQUIRE(ranges == 1 || bytes <= 999);
+        REQUIRE(protocol.replyLength == 6 + 2 * ranges + bytes);
+    }
+
+    // A controller's honest reply: data from the input, repeated.
+    QByteArray goodReply() {
+        QByteArray reply("HEAD");
+        const unsigned seed = input.take8();
+        for (int item = 4; !isWrite && item + 6 <= sent.size() - 2; item += 6) {
+            reply.append(sent.mid(item + 4, 2));
+            const unsigned count = byteAt(sent, item + 4) | byteAt(sent, item + 5) << 8;
+            for (unsigned i = 0; i < count; ++i)
+                reply.append(static_cast<char>(seed + i * 7));
+        }
+        return sealedFast(reply);
+    }
+
+    void answer(int what) {
+        QByteArray reply = sent.isEmpty() ? QByteArray("HEAD") : goodReply();
+        if (what == 15) reply = input.takeBytes(input.below(12));
+        if (what == 14) reply[input.below(qMin(reply.size(), 256))] = static_cast<char>(input.take8());
+        const bool wasInFlight = !sent.isEmpty();
+        const bool local = wasInFlight && PLC_driver.protocolList.first().request.areaId == settings.localAreaId;
+        const int status = DataCom(&reply, reply.size())->status;
+        if (!wasInFlight) {
+            REQUIRE(status == ResultGood);
+        } else if (status == ResultGood || status == ResultGoodRemote) {
+            finish(true, local, reply);
+        } else if (status != ResultRetrying) {
+            finish(false, local, reply);
+        }
+    }
+
+    void finish(bool good, bool local, const QByteArray& reply) {
+        failed = !good;
+        if (good && !isWrite && local) storeItems(reply);
+        if (isWrite) finishWrite(good);
+        sent.clear();
+        REQUIRE(PLC_driver.protocolList.isEmpty());
+    }
+
+    // A variable is reported once: with its last piece, or with the piece that failed.
+    void finishWrite(bool good) {
+        const Model_Write head = writes.takeFirst();
+        bool more = false;
+        for (int i = writes.size() - 1; i >= 0; --i) {
+            if (writes.at(i).varId != head.varId) continue;
+            more = true;
+            const bool other = settings.multiStation && writes.at(i).station != head.station;
+            if (!good && !other) writes.removeAt(i);
+        }
+        if (!good || !more) expectedNotices << head.varId << (good ? 1 : 2);
+        REQUIRE(writes.size() == PLC_driver.writeList.size());
+    }
+
+    void store(quint32 address, const QByteArray& bytes) {
+        for (int i = 0; i < bytes.size(); ++i)
+            image[address + static_cast<unsigned>(i)] = static_cast<unsigned char>(bytes.at(i));
+    }
+
+    void storeItems(const QByteArray& reply) {
+        int at = 4;
+        for (int item = 4; item + 6 <= sent.size() - 2; item += 6) {
+            const int count = static_cast<int>(byteAt(reply, at) | byteAt(reply, at + 1) << 8);
+            store(wordAt(sent, item), reply.mid(at + 2, count));
+            at += 2 + count;
+        }
+    }
+
+    Fuzz_Input& input;
+    ComInfo settings;
+    Image image;
+    QList<Model_Write> writes;
+    QList<int> expectedNotices;
+    QByteArray sent;  // the frame in flight
+    bool isWrite = false;
+    bool failed = false;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Fuzz_Input input(data, size);
+    Run(input).steps();
+    return 0;
+}
