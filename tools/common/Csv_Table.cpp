@@ -1,6 +1,7 @@
 #include "Csv_Table.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "Label_File.h"
 
@@ -17,6 +18,24 @@ char separatorOf(const std::string& text, std::size_t at) {
     }
     const std::size_t found = text.find_first_of(",;\n", at);
     return found != std::string::npos && text[found] == ';' ? ';' : ',';
+}
+
+// Well-formed: no overlong forms, no surrogates, nothing beyond U+10FFFF.
+bool isUtf8(const std::string& text) {
+    const std::uint32_t least[] = {0, 0x80, 0x800, 0x10000};
+    for (std::size_t at = 0; at < text.size();) {
+        const std::uint32_t lead = static_cast<unsigned char>(text[at++]);
+        if (lead < 0x80) continue;
+        if (lead < 0xC2 || lead > 0xF4) return false;
+        const int more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+        std::uint32_t code = lead & (0x3Fu >> more);
+        for (int i = 0; i < more; ++i, ++at) {
+            if (at >= text.size() || (text[at] & 0xC0) != 0x80) return false;
+            code = code << 6 | (text[at] & 0x3Fu);
+        }
+        if (code < least[more] || code > 0x10FFFF || code >> 11 == 0x1B) return false;
+    }
+    return true;
 }
 
 class Csv_Reader {
@@ -89,6 +108,8 @@ private:
                 found.text += take();
             }
         }
+        // What a spreadsheet saves in a code page of its own would reach the label file as broken text.
+        if (!isUtf8(found.text)) fail(found, "the text is not UTF-8; save the table as UTF-8");
         return found;
     }
 
