@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <random>
+
 namespace vornex {
 namespace {
 
@@ -86,6 +89,38 @@ TEST(Label_Csv, namesLineAndColumnOfMistakes) {
     };
     for (const auto& row : rows)
         EXPECT_EQ(errorOf(row.text).substr(0, std::string(row.error).size()), row.error) << row.text;
+}
+
+// What is accepted has to come back the same, what is not has to name its line; nothing may crash.
+TEST(Label_Csv, bentTablesAreReadWholeOrRefusedWithTheirLine) {
+    const std::string table = formatLabelCsv(readLabelFile(EXAMPLES_DIR "/plant.json"), ';');
+    std::mt19937 random(1);
+    const auto below = [&random](std::size_t limit) {
+        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+    };
+    const std::string letters = ";;,\"\"\n\r#.[]09 xA\xC3";
+    int refused = 0;
+    for (int i = 0; i < 3000; ++i) {
+        std::string text = table;
+        for (std::size_t change = 1 + below(3); change > 0; --change) {
+            const std::size_t at = below(text.size());
+            if (below(2) == 0)
+                text.insert(at, 1, letters[below(letters.size())]);
+            else
+                text.erase(at, 1 + below(9));
+        }
+        try {
+            const std::string json = formatLabelJson(parseLabelCsv(text, "f"));
+            EXPECT_EQ(formatLabelJson(parseLabelFile(json, "f")), json);
+        } catch (const File_Error& error) {
+            ++refused;
+            const std::string words = error.what();
+            EXPECT_EQ(words.compare(0, 2, "f:"), 0) << words;
+            EXPECT_GT(std::atoi(words.c_str() + 2), 0) << words;
+        }
+    }
+    EXPECT_GT(refused, 500);
+    EXPECT_LT(refused, 2900);
 }
 
 }  // namespace

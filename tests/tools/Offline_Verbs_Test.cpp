@@ -4,9 +4,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -150,6 +153,32 @@ TEST(Info, tellsLibraryAndRecords) {
     expectAll({{"info", 0, "library SONAME          libvornex_label_tcp.so.1\n"},
                {"info", 0, "entry points            17 of 17\n"},
                {"info --library libc.so.6", 6, "libc.so.6 is not the driver: no entry point SetComInfo"}});
+}
+
+// Whoever pipes into jq gets objects from every verb, and a heading with as many cells as each row in CSV.
+TEST(Output_Formats, everyVerbSpeaksJsonAndCsv) {
+    const char* const commands[] = {"ls",
+                                    "ls --elements",
+                                    "check --all",
+                                    "info",
+                                    "labels names",
+                                    "labels lint --end 600",
+                                    "decode 020c0041640000000200f40100000e00fccc 02000040aca5"};
+    for (const char* command : commands) {
+        std::istringstream objects(run(std::string(command) + Plant + "-q -o json").text);
+        std::size_t fields = 0;
+        for (std::string line; std::getline(objects, line);) {
+            if (line.rfind("vornex-label: ", 0) == 0) continue;
+            const nlohmann::json object = nlohmann::json::parse(line, nullptr, false);
+            ASSERT_TRUE(object.is_object()) << command << ": " << line;
+            fields = object.size();
+        }
+        EXPECT_GT(fields, 1u) << command;
+        std::istringstream table(run(std::string(command) + Plant + "-q -o csv").text);
+        std::string heading;
+        std::getline(table, heading);
+        EXPECT_EQ(static_cast<std::size_t>(std::count(heading.begin(), heading.end(), ',')) + 1, fields) << command;
+    }
 }
 
 }  // namespace
