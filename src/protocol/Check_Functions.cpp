@@ -55,10 +55,12 @@ unsigned sumOf(const unsigned char* bytes, unsigned count) {
 unsigned short CalCRC(unsigned char* bytes, unsigned short count) {
     unsigned crc = 0;
     unsigned left = count;
-    // The register reaches into the first two of the four bytes; the last two are looked up as they are.
-    for (; left >= 4; left -= 4, bytes += 4)
-        crc = rows[3].of[(crc >> 8) ^ bytes[0]] ^ rows[2].of[(crc & 0xFF) ^ bytes[1]] ^ rows[1].of[bytes[2]] ^
-              rows[0].of[bytes[3]];
+    for (; left >= 4; left -= 4, bytes += 4) {
+        // The register reaches into the first two of the four bytes; the last two are looked up as they are.
+        const unsigned reached = crc ^ static_cast<unsigned>(bytes[0] << 8 | bytes[1]);
+        const unsigned rest = static_cast<unsigned>(rows[1].of[bytes[2]] ^ rows[0].of[bytes[3]]);
+        crc = rest ^ rows[3].of[reached >> 8] ^ rows[2].of[reached & 0xFF];
+    }
     for (; left > 0; --left, ++bytes)
         crc = ((crc << 8) & 0xFFFF) ^ rows[0].of[(crc >> 8) ^ *bytes];
     return static_cast<unsigned short>(crc);
