@@ -2,6 +2,8 @@
 
 #include <QtCore/QVector>
 
+#include <algorithm>
+
 namespace {
 
 // The shape of an array, as its definition's `dimensions` list describes it.
@@ -35,10 +37,6 @@ private:
 };
 
 const char* const Mark = "%%";
-
-bool hasMark(const QString& text) {
-    return text.contains(QLatin1String(Mark));
-}
 
 // The value of a template term "12" or "7+5"; false when it is none.
 bool termValue(const QString& term, int radix, qint64& value) {
@@ -106,29 +104,43 @@ QString indexGroup(const QVector<qint64>& indexes, int radix) {
     return QLatin1Char('[') + texts.join(QLatin1String(",")) + QLatin1Char(']');
 }
 
+int partCount(const Text_View& text, QChar separator) {
+    return 1 + static_cast<int>(std::count(text.begin, text.begin + text.size, separator));
+}
+
 }  // namespace
 
 bool get_label_address_array_split(QString& segment, QString& indexList) {
-    const int open = segment.lastIndexOf(QLatin1Char('['));
-    if (open < 0 || !segment.contains(QLatin1Char(']'))) return false;
-    // In "a]b[" nothing is between the last "[" and the final character.
-    indexList = segment.mid(open + 1, qMax(segment.size() - open - 2, 0));
-    segment.truncate(open);
+    const Label_Segment split = splitSegment(viewOf(segment));
+    if (!split.hasIndex) return false;
+    indexList = textOf(split.indexList);
+    segment.truncate(split.name.size);
     return true;
+}
+
+// Hardly any label holds a "%" at all, and one character is found much faster than two.
+bool hasMark(const QString& text) {
+    return text.contains(QLatin1Char('%')) && text.contains(QLatin1String(Mark));
 }
 
 int get_label_address_array_memory_index(QString indexList, int dimensionCount, const QList<int>& dimensions,
                                          unsigned int& element) {
-    const QStringList indexes = indexList.split(QLatin1Char(','));
+    return elementNumber(viewOf(indexList), dimensionCount, dimensions, element);
+}
+
+int elementNumber(const Text_View& indexList, int dimensionCount, const QList<int>& dimensions, unsigned int& element) {
     const Array_Shape shape(dimensionCount, dimensions);
-    if (dimensionCount < 1 || indexes.size() != dimensionCount || !shape.isSound()) return LabelPathMismatch;
+    if (dimensionCount < 1 || partCount(indexList, QLatin1Char(',')) != dimensionCount || !shape.isSound())
+        return LabelPathMismatch;
 
     unsigned int number = 0;
-    for (int d = 0; d < shape.count(); ++d) {
-        bool ok = false;
-        const qint64 index = indexes.at(d).toInt(&ok, shape.radix());
+    Text_View rest = indexList;
+    Text_View text;
+    for (int d = 0; takePart(rest, QLatin1Char(','), text); ++d) {
+        int index = 0;
         // The upper bound guards what lies behind the array: a write past it would change other data.
-        if (!ok || index < shape.low(d) || index >= shape.end(d)) return LabelIndexBad;
+        if (!toNumber(text, shape.radix(), index) || index < shape.low(d) || index >= shape.end(d))
+            return LabelIndexBad;
         number = number * static_cast<unsigned int>(shape.extent(d)) + static_cast<unsigned int>(index - shape.low(d));
     }
     element = number;
@@ -152,10 +164,10 @@ int Address_offset(const Label_Type_Info& entry, QString& segment, int index) {
     return OffsetRewritten;
 }
 
-const Label_Type_Info* findMember(const Label_Type_Info& structType, const QString& name) {
+const Label_Type_Info* findMember(const Label_Type_Info& structType, const Text_View& name) {
     const qint64 promised = structType.memberCount;
     for (int i = 0; i < structType.members.size() && i < promised; ++i)
-        if (structType.members.at(i).name == name) return &structType.members.at(i);
+        if (equals(name, structType.members.at(i).name)) return &structType.members.at(i);
     return nullptr;
 }
 
@@ -176,7 +188,7 @@ int get_label_address_address_offset(const Label_Type_Info& entry, QStringList& 
             hasIndex = true;  // an array needs its index here, as another definition must not have one
         }
         if (at->typeFlags & LabelIsStructType) {
-            at = findMember(*at, name);
+            at = findMember(*at, viewOf(name));
             if (at == nullptr) return LabelMemberUnknown;
             continue;  // the same segment, against the member's own definition
         }

@@ -8,14 +8,12 @@ namespace {
 // the walk needs no lock.
 struct Table_Snapshot {
     QHash<QString, Label_Type_Info> table;
-    quint32 generation = 0;
+    quint32 generation;
 };
 
-Table_Snapshot takeSnapshot() REQUIRES(PLC_driver.labelMutex) {
-    Table_Snapshot snapshot;
+void takeSnapshot(Table_Snapshot& snapshot) REQUIRES(PLC_driver.labelMutex) {
     snapshot.table = PLC_driver.labelTable;
     snapshot.generation = PLC_driver.labelGeneration;
-    return snapshot;
 }
 
 // The cached record, or else the table to walk through: both under one lock.
@@ -26,7 +24,7 @@ bool findCached(const QString& label, ControlInformationM& info, Table_Snapshot&
         info = *cached;
         return true;
     }
-    snapshot = takeSnapshot();
+    takeSnapshot(snapshot);
     return false;
 }
 
@@ -49,39 +47,19 @@ void setElement(int typeCode, unsigned int element, ControlInformationM& info) {
     info.address += element * static_cast<unsigned int>(elementSize(typeCode));
 }
 
-}  // namespace
-
-int get_label_address(QString label, ControlInformationM& info) {
-    if (label.isEmpty()) return LabelEmpty;
-    Table_Snapshot snapshot;
-    if (findCached(label, info, snapshot)) return LabelOk;
-
-    const QStringList path = label.split(QLatin1Char('.'));
-    const QHash<QString, Label_Type_Info>::const_iterator entry = snapshot.table.constFind(firstName(path));
-    if (entry == snapshot.table.constEnd()) return LabelUnknown;
-    info.typeCode = 0;  // an entry without a type sets none, and callers must see that
-    info.address = entry->address;
-    const int result = get_label_address_1(*entry, path, 0, info);
-    if (result == LabelOk) cacheRecord(label, info, snapshot.generation);
-    return result;
-}
-
-int get_label_address_1(const Label_Type_Info& entry, const QStringList& path, int segment,
-                        ControlInformationM& info) {
+// The walk: `entry` is what the first segment of `path` refers to.
+int walk(const Label_Type_Info& entry, const Label_Path& path, ControlInformationM& info) {
     const Label_Type_Info* at = &entry;
-    for (int i = segment; i >= 0 && i < path.size();) {
-        QString name = path.at(i);
-        QString indexList;
-        const bool hasIndex = get_label_address_array_split(name, indexList);
-        int own = hasIndex ? LabelPathMismatch : LabelOk;
+    for (int i = 0; i < path.size();) {
+        const Label_Segment& segment = path.at(i);
+        int own = segment.hasIndex ? LabelPathMismatch : LabelOk;
         unsigned int element = 0;
         if (at->typeFlags & LabelIsArray) {
-            own = get_label_address_array_memory_index(indexList, static_cast<int>(at->dimensionCount), at->dimensions,
-                                                       element);
+            own = elementNumber(segment.indexList, static_cast<int>(at->dimensionCount), at->dimensions, element);
             if (own != LabelOk) return own;
         }
         if (at->typeFlags & LabelIsStructType) {
-            at = findMember(*at, name);
+            at = findMember(*at, segment.name);
             if (at == nullptr) return LabelMemberUnknown;
             info.address += at->address;
             continue;  // the same segment, against the member's own definition
@@ -97,13 +75,48 @@ int get_label_address_1(const Label_Type_Info& entry, const QStringList& path, i
     return LabelPathMismatch;
 }
 
+int resolveByTable(const QString& label, const QHash<QString, Label_Type_Info>& table, ControlInformationM& info) {
+    Label_Path path;
+    splitLabel(label, path);
+    const Text_View& name = path.at(0).name;
+    // A label without index and members is its own name.
+    const QHash<QString, Label_Type_Info>::const_iterator entry =
+        table.constFind(name.size == label.size() ? label : textOf(name));
+    if (entry == table.constEnd()) return LabelUnknown;
+    info.typeCode = 0;  // an entry without a type sets none, and callers must see that
+    info.address = entry->address;
+    return walk(*entry, path, info);
+}
+
+int resolve(const QString& label, ControlInformationM& info) {
+    if (label.isEmpty()) return LabelEmpty;
+    Table_Snapshot snapshot;
+    if (findCached(label, info, snapshot)) return LabelOk;
+    const int result = resolveByTable(label, snapshot.table, info);
+    if (result == LabelOk) cacheRecord(label, info, snapshot.generation);
+    return result;
+}
+
+}  // namespace
+
+int get_label_address(QString label, ControlInformationM& info) {
+    return resolve(label, info);
+}
+
+int get_label_address_1(const Label_Type_Info& entry, const QStringList& path, int segment, ControlInformationM& info) {
+    Label_Path rest;
+    for (int i = segment; i >= 0 && i < path.size(); ++i)
+        rest.append(splitSegment(viewOf(path.at(i))));
+    return walk(entry, rest, info);
+}
+
 int get_label_address(QString& label, int index) {
     if (label.isEmpty()) return LabelEmpty;
     QStringList path = label.split(QLatin1Char('.'));
     Table_Snapshot snapshot;
     {
         const Mutex_Lock lock(PLC_driver.labelMutex);
-        snapshot = takeSnapshot();
+        takeSnapshot(snapshot);
     }
     const QHash<QString, Label_Type_Info>::const_iterator entry = snapshot.table.constFind(firstName(path));
     if (entry == snapshot.table.constEnd()) return LabelUnknown;
@@ -117,7 +130,6 @@ int get_label_address_query(const QStringList&, int) {
 }
 
 Host_Label resolveHostLabel(QString& label, const QString& labelIndex, ControlInformationM& info) {
-    if (label.contains(QLatin1String("%%")) && get_label_address(label, labelIndex.toInt()) != LabelOk)
-        return HostLabelNotRewritten;
-    return get_label_address(label, info) == LabelOk ? HostLabelResolved : HostLabelNotResolved;
+    if (hasMark(label) && get_label_address(label, labelIndex.toInt()) != LabelOk) return HostLabelNotRewritten;
+    return resolve(label, info) == LabelOk ? HostLabelResolved : HostLabelNotResolved;
 }
