@@ -59,10 +59,10 @@ int GetRegisterData(QString label, int, QString labelIndex, int, QByteArray* out
         *out = zeroValue(count);
         return 0;
     }
-    QByteArray bytes(heldValueBytes(CountToBytes(info.typeCode, count)), '\0');
+    // The host's array keeps its memory from one read to the next; every byte of it is written.
+    out->resize(heldValueBytes(CountToBytes(info.typeCode, count)));
     const Mutex_Lock lock(PLC_driver.dataMutex);
-    readImage(info.address, bytes.data(), bytes.size());
-    *out = bytes;
+    readImage(info.address, out->data(), out->size());
     return 1;
 }
 
