@@ -4,16 +4,9 @@
 
 #include <algorithm>
 
+#include "lists/Read_Packing.h"
+
 namespace {
-
-// Addresses count as signed numbers here, and their sums in 64 bits.
-qint64 startOf(const RW_VAR& request) {
-    return static_cast<qint32>(request.address);
-}
-
-qint64 endOf(const RW_VAR& request) {
-    return startOf(request) + request.length;
-}
 
 // Exchanges two entries by their pointers, without copying the records.
 void swapEntries(QList<RW_VAR>& list, int i, int j) {
@@ -24,16 +17,21 @@ void swapEntries(QList<RW_VAR>& list, int i, int j) {
 #endif
 }
 
-// Sort key: the address, made unsigned so that order is kept, then the place in the list, which keeps the sort stable.
-quint64 sortKey(const RW_VAR& request, int place) {
-    return static_cast<quint64>(request.address ^ 0x80000000u) << 32 | static_cast<quint32>(place);
-}
+// A sorted list of requests, as the packing takes it.
+class Sorted_Requests {
+public:
+    explicit Sorted_Requests(const QList<RW_VAR>& list) : list_(list) {}
+    int size() const { return list_.size(); }
+    quint32 address(int i) const { return list_.at(i).address; }
+    int length(int i) const { return list_.at(i).length; }
+    const RW_VAR& record(int i) const { return list_.at(i); }
 
-int placeOf(quint64 key) {
-    return static_cast<int>(key & 0x7FFFFFFF);
-}
+private:
+    const QList<RW_VAR>& list_;
+};
 
-// Appends copies of `piece` that cover `total` bytes from its address on, and leaves it as the last of them.
+}  // namespace
+
 void appendPieces(RW_VAR& piece, qint64 total, int maximum, QList<RW_VAR>& list) {
     if (total / maximum >= MostPieces) return;
     for (qint64 left = total; left > 0; left -= piece.length) {
@@ -43,10 +41,8 @@ void appendPieces(RW_VAR& piece, qint64 total, int maximum, QList<RW_VAR>& list)
     }
 }
 
-// The group takes in an entry that starts within its reach; what is over the limit becomes further pieces of it.
-void growGroup(const RW_VAR& entry, int maxLength) REQUIRES(PLC_driver.listMutex) {
-    QList<RW_VAR>& list = PLC_driver.readList;
-    const qint64 span = endOf(entry) - startOf(list.last());
+void growLast(QList<RW_VAR>& list, qint64 end, int maxLength) {
+    const qint64 span = end - signedAddress(list.last().address);
     if (span <= list.last().length) return;
     list.last().length = static_cast<int>(qMin<qint64>(span, maxLength));
     if (span <= maxLength) return;
@@ -55,36 +51,11 @@ void growGroup(const RW_VAR& entry, int maxLength) REQUIRES(PLC_driver.listMutex
     appendPieces(rest, span - maxLength, maxLength, list);
 }
 
-void packGroups(const QList<RW_VAR>& sorted, int maxLength) REQUIRES(PLC_driver.listMutex) {
-    QList<RW_VAR>& list = PLC_driver.readList;
-    for (int i = 0; i < sorted.size(); ++i) {
-        const RW_VAR& entry = sorted.at(i);
-        if (list.isEmpty() || startOf(entry) >= startOf(list.last()) + maxLength) {
-            RW_VAR piece = entry;
-            appendPieces(piece, entry.length, maxLength, list);
-        } else {
-            growGroup(entry, maxLength);
-        }
-    }
-}
-
-// The longest of the entries at an address stands for it.
-void packSingly(const QList<RW_VAR>& sorted) REQUIRES(PLC_driver.listMutex) {
-    for (int i = 0; i < sorted.size(); ++i) {
-        if (i == 0 || sorted.at(i).address != sorted.at(i - 1).address)
-            PLC_driver.readList.append(sorted.at(i));
-        else if (sorted.at(i).length > PLC_driver.readList.last().length)
-            PLC_driver.readList.last().length = sorted.at(i).length;
-    }
-}
-
-}  // namespace
-
 void Bubble_Sort(QList<RW_VAR>* list) {
     QVector<quint64> keys;
     keys.reserve(list->size());
     for (int i = 0; i < list->size(); ++i)
-        keys.append(sortKey(list->at(i), i));
+        keys.append(sortKey(list->at(i).address, i));
     std::sort(keys.begin(), keys.end());
 
     // keys[i] says which entry belongs at place i: follow each cycle of the permutation once.
@@ -100,10 +71,7 @@ void Bubble_Sort(QList<RW_VAR>* list) {
 }
 
 void BitVarReCreat(QList<RW_VAR>* list, int maxLength) {
-    if (maxLength == 1)
-        packSingly(*list);
-    else if (maxLength > 1)
-        packGroups(*list, maxLength);
+    pack(Sorted_Requests(*list), maxLength, PLC_driver.readList);
 }
 
 void WhetherGroup(int total, int maximum, RW_VAR* request, QList<RW_VAR>* list) {
