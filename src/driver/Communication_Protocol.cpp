@@ -14,6 +14,23 @@ Communication_Protocol::Communication_Protocol()
       spareFlag(false),
       labelGeneration(0) {}
 
+// Not with QList::move: once the list has used up the room behind its end, that shifts every entry at each call.
+// Appending makes room for many entries at a time.
+void rotate(QList<RW_VAR>& list, int count) {
+    if (list.size() < 2) return;
+    for (int i = 0; i < count; ++i) {
+        list.append(list.at(0));
+        list.removeFirst();
+    }
+}
+
+void removeQueued(QList<RW_VAR>& queue, int place) {
+    if (&queue == &PLC_driver.onceReadList)
+        PLC_driver.onceReadIndex.removeAt(queue, place);
+    else
+        queue.removeAt(place);
+}
+
 void passRetValue(const RW_VAR& source, RW_VAR& target) {
     target = source;
     target.data.clear();

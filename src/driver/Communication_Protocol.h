@@ -6,6 +6,7 @@
 #include <QtCore/QMap>
 
 #include "driver/Mutex.h"
+#include "driver/Once_Read_Index.h"
 #include "vornex_label_tcp/Entry_Points.h"
 
 // Element type of Communication_Protocol::extendList, which nothing uses.
@@ -34,7 +35,7 @@ public:
     ComInfo* comInfo;                                  // set-up; its driver words: exchange thread, finishFlag: atomic
     QList<RW_VAR> readList GUARDED_BY(listMutex);      // cyclic list; its head is the next to read
     QList<RW_VAR> writeList GUARDED_BY(listMutex);     // at most QueueLimit entries
-    QList<RW_VAR> onceReadList GUARDED_BY(listMutex);  // at most QueueLimit entries
+    QList<RW_VAR> onceReadList GUARDED_BY(listMutex);  // at most QueueLimit entries; changed through onceReadIndex
     QList<RW_VAR> spareList;                           // never used
     QList<Protocol> protocolList;                      // exchange thread; empty: no request in flight
     QList<EXTENDVAR> extendList;                       // never used
@@ -59,6 +60,7 @@ public:
     QHash<QString, ControlInformationM> labelCache GUARDED_BY(labelMutex);
     Driver_Mutex labelMutex;
     quint32 labelGeneration GUARDED_BY(labelMutex);  // counts label deliveries, so that no stale record is cached
+    Once_Read_Index onceReadIndex GUARDED_BY(listMutex);  // which reads onceReadList holds
 
 private:
     Communication_Protocol(const Communication_Protocol&);
@@ -67,6 +69,13 @@ private:
 
 // The one driver object, constructed when the library is loaded.
 VORNEX_EXPORT extern Communication_Protocol PLC_driver;
+
+// Moves the first `count` entries of a cyclic list to its end, one by one.
+// Thread, locks: the caller's.
+void rotate(QList<RW_VAR>& list, int count);
+
+// Removes an entry of writeList or onceReadList.
+void removeQueued(QList<RW_VAR>& queue, int place) REQUIRES(PLC_driver.listMutex);
 
 // Copies every field but `data`, which becomes empty in `target`.
 // Thread, locks: the caller's.

@@ -75,8 +75,8 @@ void notifyHead(const QList<RW_VAR>& queue, bool localOnly, bool failed) {
 }
 
 void finishHead(QList<RW_VAR>& queue) REQUIRES(PLC_driver.listMutex) {
-    passRetValue(queue.first(), PLC_driver.result);
-    queue.removeFirst();
+    passRetValue(queue.at(0), PLC_driver.result);
+    removeQueued(queue, 0);
 }
 
 // The head's mark tells a list that still holds the reads in flight from one that was rebuilt meanwhile.
@@ -85,8 +85,7 @@ void finishCyclicRead() REQUIRES(PLC_driver.listMutex) {
     if (list.isEmpty() || list.first().status != StatusReplyPending) return;
     list.first().status = 0;
     passRetValue(list.first(), PLC_driver.result);
-    for (int i = 0; i < PLC_driver.groupList.size(); ++i)
-        list.move(0, list.size() - 1);
+    rotate(list, PLC_driver.groupList.size());
 }
 
 void finishRequest(bool local, bool failed) REQUIRES(PLC_driver.listMutex) {
@@ -102,10 +101,11 @@ void finishRequest(bool local, bool failed) REQUIRES(PLC_driver.listMutex) {
 }
 
 // Removes the other pieces of the variable that was given up.
-void dropPieces(QList<RW_VAR>& queue, const RW_VAR& failed) {
+void dropPieces(QList<RW_VAR>& queue, const RW_VAR& failed) REQUIRES(PLC_driver.listMutex) {
     const bool minded = PLC_driver.comInfo->multiStation != 0;
     for (int i = queue.size() - 1; i >= 0; --i)
-        if (sameVariable(queue.at(i), failed) && (!minded || queue.at(i).station == failed.station)) queue.removeAt(i);
+        if (sameVariable(queue.at(i), failed) && (!minded || queue.at(i).station == failed.station))
+            removeQueued(queue, i);
 }
 
 void dropFailed() REQUIRES(PLC_driver.listMutex) {

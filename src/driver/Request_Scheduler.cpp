@@ -15,9 +15,9 @@ enum { BurstLimit = 5 };
 enum { GroupBytes = 999 };
 
 // Discards requests for switched-off stations from the head of a queue. True when a request is left.
-bool findEnabled(QList<RW_VAR>& queue) {
-    while (!queue.isEmpty() && Ethernetcontains(queue.first().station))
-        queue.removeFirst();
+bool findEnabled(QList<RW_VAR>& queue) REQUIRES(PLC_driver.listMutex) {
+    while (!queue.isEmpty() && Ethernetcontains(queue.at(0).station))
+        removeQueued(queue, 0);
     return !queue.isEmpty();
 }
 
@@ -31,7 +31,7 @@ void buildRead(RW_VAR& request) REQUIRES(PLC_driver.listMutex) {
 // The entry stays at the head of its queue until the reply dispatch finishes it.
 bool serveWrite() REQUIRES(PLC_driver.listMutex) {
     if (PLC_driver.writeBurst >= BurstLimit || !findEnabled(PLC_driver.writeList)) return false;
-    RW_VAR request = PLC_driver.writeList.first();
+    RW_VAR request = PLC_driver.writeList.at(0);
     if (PLC_driver.comInfo->remoteMode != 0)
         Remote_WriteVar(&request);
     else
@@ -43,7 +43,7 @@ bool serveWrite() REQUIRES(PLC_driver.listMutex) {
 
 bool serveOnceRead() REQUIRES(PLC_driver.listMutex) {
     if (PLC_driver.onceReadBurst >= BurstLimit || !findEnabled(PLC_driver.onceReadList)) return false;
-    RW_VAR request = PLC_driver.onceReadList.first();
+    RW_VAR request = PLC_driver.onceReadList.at(0);
     PLC_driver.groupList.append(request);
     buildRead(request);
     PLC_driver.currentKind = OnceRead;
@@ -51,15 +51,16 @@ bool serveOnceRead() REQUIRES(PLC_driver.listMutex) {
     return true;
 }
 
-// Rotates the cyclic list until its head is for an enabled station. False when there is none: then the list has gone
-// once around and stands as before.
+// Rotates the cyclic list until its head is for an enabled station. False when there is none: once around, the list
+// would stand as before.
 bool rotateToEnabled() REQUIRES(PLC_driver.listMutex) {
     QList<RW_VAR>& list = PLC_driver.readList;
-    for (int moved = 0; moved < list.size(); ++moved) {
-        if (!Ethernetcontains(list.first().station)) return true;
-        list.move(0, list.size() - 1);
-    }
-    return false;
+    int disabled = 0;
+    while (disabled < list.size() && Ethernetcontains(list.at(disabled).station))
+        ++disabled;
+    if (disabled == list.size()) return false;
+    rotate(list, disabled);
+    return true;
 }
 
 // Adds the entries of the cyclic list behind its head as long as they fit, in list order and whatever their station.

@@ -4,17 +4,6 @@
 
 namespace {
 
-bool sameRead(const RW_VAR& a, const RW_VAR& b) {
-    return a.address == b.address && a.length == b.length && a.varId == b.varId && a.varType == b.varType &&
-           a.station == b.station && a.dataType == b.dataType && a.areaId == b.areaId;
-}
-
-bool isQueued(const QList<RW_VAR>& queue, const RW_VAR& request) {
-    for (int i = 0; i < queue.size(); ++i)
-        if (sameRead(queue.at(i), request)) return true;
-    return false;
-}
-
 // Cuts the read into pieces and queues those that are not queued yet. The record runs along: it ends as the last
 // piece, with the address one past it.
 void queuePieces(RW_VAR& record, int maxBytes) REQUIRES(PLC_driver.listMutex) {
@@ -26,7 +15,8 @@ void queuePieces(RW_VAR& record, int maxBytes) REQUIRES(PLC_driver.listMutex) {
             return;
         }
         record.length = qMin(left, maxBytes);
-        if (!isQueued(PLC_driver.onceReadList, record)) PLC_driver.onceReadList.append(record);
+        if (!PLC_driver.onceReadIndex.holds(PLC_driver.onceReadList, record))
+            PLC_driver.onceReadIndex.append(PLC_driver.onceReadList, record);
         record.address += static_cast<quint32>(record.length);
         left -= record.length;
     }
