@@ -5,7 +5,7 @@ cd "$1" || exit 2
 bad=$(grep -rnE '^#include "[a-z]+/' src | awk -F: '
     function floor(path) {
         if (path ~ /^base\//) return 0
-        if (path ~ /^driver\/(Mutex|Communication_Protocol)\./) return 1
+        if (path ~ /^driver\/(Mutex|Once_Read_Index|Communication_Protocol)\./) return 1
         if (path ~ /^(label|protocol)\//) return 2
         if (path ~ /^lists\//) return 3
         return 4
