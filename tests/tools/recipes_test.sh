@@ -49,4 +49,4 @@ while IFS= read -r line <&3; do
 done 3<commands
 stop
 echo "$runs commands ran as written"
-[ "$runs" -ge 25 ]
+[ "$runs" -ge 30 ]
