@@ -66,8 +66,8 @@ CLI::App& subcommand(CLI::App& app, const Verb& verb) {
 void addVerb(CLI::App& app, const Verb& verb, const std::vector<Option>& common, const Verb*& chosen) {
     CLI::App& command = subcommand(app, verb);
     if (verb.hidden) command.group("");
-    if (!verb.description.empty()) command.description(verb.description);
-    command.footer(exampleText(verb));
+    // the summary heads the help and stands in the list of verbs, where a description would be too long
+    command.footer((verb.description.empty() ? "" : verb.description + "\n\n") + exampleText(verb));
     for (const Option& option : verb.options) addOption(command, option, "");
     for (const Option& option : common) addOption(command, option, "Common options");
     command.callback([&chosen, &verb] { chosen = &verb; });
