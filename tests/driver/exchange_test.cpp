@@ -40,15 +40,25 @@ TEST_F(Scheduler, SixWritesAndOneReadWithoutACyclicList) {
     EXPECT_EQ((QList<qint64>{1, 2, 3, 4, 5, 50, -1, 6, -1}), served);
 }
 
+TEST_F(Scheduler, ElevenReadsWithoutACyclicList) {
+    QList<qint64> served;
+    for (int i = 0; i < 11; ++i)
+        PLC_driver.onceReadList << makeRequest(50 + static_cast<quint32>(i), 2, 10 + i);
+    for (int i = 0; i < 13; ++i)
+        served << exchange();
+    EXPECT_EQ((QList<qint64>{50, 51, 52, 53, 54, -1, 55, 56, 57, 58, 59, -1, 60}), served);
+}
+
 TEST_F(Scheduler, FiveInARowThenTheNextSourceAndTheCyclicReadResetsBoth) {
     queueWrites(1, 12);
-    for (int i = 0; i < 7; ++i)
+    for (int i = 0; i < 11; ++i)
         PLC_driver.onceReadList << makeRequest(50 + static_cast<quint32>(i), 2, 10 + i);
     PLC_driver.readList << makeRequest(90, 2);
     QList<qint64> served;
-    for (int i = 0; i < 18; ++i)
+    for (int i = 0; i < 25; ++i)
         served << exchange();
-    EXPECT_EQ((QList<qint64>{1, 2, 3, 4, 5, 50, 51, 52, 53, 54, 90, 6, 7, 8, 9, 10, 55, 56}), served);
+    EXPECT_EQ((QList<qint64>{1,  2,  3,  4,  5,  50, 51, 52, 53, 54, 90, 6, 7, 8, 9, 10, 55, 56, 57, 58, 59, 90, 11, 12, 60}),
+              served);
 }
 
 TEST_F(Scheduler, TheFrameInFlightIsReturnedAgainWhateverIsQueued) {
@@ -83,6 +93,7 @@ TEST_F(Scheduler, EmptyReadsCannotOverflowTheBodyLength) {
     const Protocol* const protocol = ComCommunication();
     const int body = static_cast<unsigned char>(protocol->frame.at(1)) | static_cast<unsigned char>(protocol->frame.at(2)) << 8;
     EXPECT_EQ(protocol->frameLength - 6, body);
+    EXPECT_EQ(sealed(protocol->frame.left(protocol->frameLength - 2)), protocol->frame);
 }
 
 TEST_F(Scheduler, RequestsForDisabledStationsAreDroppedOrSkipped) {
@@ -167,7 +178,7 @@ TEST_F(Dispatch, FailedRepliesAreRetriedThenGivenUpWithTheirBand) {
         {"remote empty", false, none, 141},         {"remote length", false, shorter, 171},
     };
     for (const Band_Row& row : rows)
-        for (int varType : {0, 3, 11, 12, -1}) {
+        for (int varType : {0, 1, 3, 11, 12, -1}) {
             RW_VAR read = makeRequest(0x100, 4, 1);
             read.varType = varType;
             read.areaId = row.local ? LocalArea : RemoteArea;
@@ -208,6 +219,14 @@ TEST_F(Dispatch, RetriesAreCountedAcrossRequests) {
     EXPECT_EQ(2, settings.retryCount);
     ComCommunication();
     EXPECT_NE(0, answer(""));
+}
+
+TEST_F(Dispatch, TheRetryCountCannotOverflow) {
+    settings.retryCount = settings.retryLimit = INT_MAX;
+    PLC_driver.readList << makeRequest(1, 4);
+    ComCommunication();
+    EXPECT_EQ(0, answer(""));
+    EXPECT_EQ(INT_MAX, settings.retryCount);
 }
 
 TEST_F(Dispatch, SpecialExpectedLengths) {
@@ -277,7 +296,7 @@ TEST_F(Dispatch, AGiveUpDropsTheOtherPiecesOfTheVariable) {
         for (bool write : {true, false}) {
             settings.multiStation = multiStation;
             QList<RW_VAR>& queue = write ? PLC_driver.writeList : PLC_driver.onceReadList;
-            queue = {makeWrite(1, "x", 42, 1), makeWrite(2, "x", 43, 1), makeWrite(3, "x", 42, 2),
+            queue = {makeWrite(1, "x", 42, 1), makeWrite(5, "x", 42, 1), makeWrite(2, "x", 43, 1), makeWrite(3, "x", 42, 2),
                      makeWrite(4, "x", 42, 1)};
             for (RW_VAR& request : queue)
                 request.accessMode = write;
@@ -294,12 +313,12 @@ TEST_F(Dispatch, AGiveUpDropsTheOtherPiecesOfTheVariable) {
 
 TEST_F(Dispatch, AGivenUpCyclicReadStaysAndTheNextGoodReplyClearsTheFailure) {
     settings.retryLimit = 0;
-    settings.finishFlag = 1;
+    settings.finishFlag = PLC_driver.cycleCount = 1;
     for (quint32 i = 0; i < 3; ++i)
         PLC_driver.readList << makeRequest(100 * i, 500);
     ComCommunication();
     EXPECT_EQ(41, answer(""));
-    EXPECT_EQ(0, settings.finishFlag);
+    EXPECT_EQ(0, settings.finishFlag + PLC_driver.cycleCount);
     EXPECT_EQ((QList<quint32>{100, 200, 0}), addressesOf(PLC_driver.readList));
     EXPECT_EQ(0, PLC_driver.readList.last().status);
     EXPECT_TRUE(notices().isEmpty());

@@ -55,6 +55,7 @@ TEST_F(Lists, PackingOfSortedDefinitions) {
         {"grows beyond the reach", 100, {{0, 1}, {99, 5}}, {{0, 100}, {100, 4}}},
         {"joins the last piece of a cut one", 100, {{0, 150}, {160, 10}}, {{0, 100}, {100, 70}}},
         {"exact multiple", 100, {{5, 200}}, {{5, 100}, {105, 100}}},
+        {"pieces of two", 2, {{0, 5}}, {{0, 2}, {2, 2}, {4, 1}}},
         {"any order", 100, {{300, 4}, {0, 4}, {150, 4}}, {{0, 4}, {150, 4}, {300, 4}}},
         {"empty definition", 100, {{0, 0}, {500, 1}}, {{500, 1}}},
         {"single addresses", 1, {{0, 4}, {0, 8}, {2, 2}, {2, 1}, {10, 0}}, {{0, 8}, {2, 2}, {10, 0}}},
@@ -107,6 +108,7 @@ TEST_F(Lists, CuttingOneRequest) {
     } rows[] = {{250, 100, {{300, 100}, {400, 100}, {500, 50}}, 500},
                 {200, 100, {{300, 100}, {400, 100}}, 400},
                 {100, 100, {{300, 9}}, 300},
+                {3, 1, {{300, 1}, {301, 1}, {302, 1}}, 302},
                 {5, 0, {}, 300},
                 {5, -1, {}, 300}};
     for (const auto& row : rows) {
@@ -246,6 +248,10 @@ TEST_F(Lists, AFullOneShotQueueDropsPiecesButTheRecordRunsOn) {
     EXPECT_EQ(1000, PLC_driver.onceReadList.last().length);
     EXPECT_EQ(100u + INT_MAX, record.address);
     EXPECT_EQ(INT_MAX % 1000, record.length);
+    record = makeRequest(0, 3000, 3);
+    record.label = text("W");
+    EXPECT_EQ(2048, AddListOnceReadVar(&record));
+    EXPECT_EQ(1000, record.length);
 }
 
 TEST_F(Lists, AnUnknownLabelLeavesTheRecordAlone) {
