@@ -47,14 +47,30 @@ TEST_F(Threads, HostThreadsBesideTheExchange) {
             AddListOnceReadVar(&once);
         }
     });
-    std::thread definer([&done] {
-        for (quint32 i = 0; !done; ++i) {
-            QList<Label_Type_Info> fresh = {makeLabel("Other", 3, i)};
+    std::atomic<quint32> delivered{0};
+    std::thread definer([&done, &delivered] {
+        for (quint32 i = 1; !done; ++i) {
+            QList<Label_Type_Info> fresh = {makeLabel("Other", 3, i), makeLabel("Value", 5, 0x100)};
             PassVarName_2(&fresh);
+            delivered = i;
+        }
+    });
+    std::thread resolver([&done, &delivered] {
+        while (delivered == 0 && !done)
+            std::this_thread::yield();
+        while (!done) {
+            const quint32 before = delivered;
             ControlInformationM info;
-            EXPECT_EQ(0, get_label_address(text("Other"), info));
-            EXPECT_EQ(i, info.address);  // never an old definition once the delivery has returned
-            EnableEthernet(static_cast<int>(i % 3) + 1, static_cast<int>(i % 2));
+            const int result = get_label_address(text("Other"), info);
+            EXPECT_EQ(0, result * static_cast<int>(before));
+            EXPECT_LE(before, info.address);  // never an old definition once the delivery has returned
+        }
+    });
+    std::thread switcher([&done] {
+        for (int i = 0; !done; ++i) {
+            EnableEthernet(i % 3 + 1, i % 2);
+            RW_VAR read = makeRequest(0x100, 4, -1, i % 4);
+            if (i % 64 == 0) AddListReadVar(&read);
         }
     });
     while (!done) {
@@ -67,6 +83,8 @@ TEST_F(Threads, HostThreadsBesideTheExchange) {
     writer.join();
     rebuilder.join();
     definer.join();
+    resolver.join();
+    switcher.join();
 }
 
 }  // namespace
