@@ -45,9 +45,9 @@ double clockMs() {
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-Sim_Process::Sim_Process(std::vector<std::string> arguments) {
+Sim_Process::Sim_Process(std::vector<std::string> arguments, int wantedPort) {
     std::signal(SIGPIPE, SIG_IGN);
-    arguments.insert(arguments.begin(), {VORNEX_SIM, "-p", "0"});
+    arguments.insert(arguments.begin(), {VORNEX_SIM, "-p", std::to_string(wantedPort)});
     std::vector<char*> argv;
     for (std::string& argument : arguments)
         argv.push_back(&argument[0]);
@@ -73,6 +73,10 @@ Sim_Process::Sim_Process(std::vector<std::string> arguments) {
 Sim_Process::~Sim_Process() {
     finish();
     ::close(input);
+}
+
+void Sim_Process::signal(int number) const {
+    if (pid > 0) ::kill(pid, number);
 }
 
 bool Sim_Process::readMore(int& descriptor, std::string& buffer, double until) {
@@ -104,9 +108,9 @@ void Sim_Process::waitForLog(const std::string& text) {
     }
 }
 
-int Sim_Process::finish(bool signal) {
+int Sim_Process::finish(bool terminate) {
     if (pid < 0) return -1;
-    if (signal) ::kill(pid, SIGTERM);
+    if (terminate) signal(SIGTERM);
     const double until = clockMs() + WaitLimit;
     while (readMore(output, rest, until)) {
     }

@@ -14,19 +14,20 @@ double clockMs();
 
 class Sim_Process {
 public:
-    // Starts it with these arguments and `-p 0`, and waits for its port. port() is 0 when it ended instead.
-    explicit Sim_Process(std::vector<std::string> arguments);
+    // Starts it with these arguments on this port, 0: a free one, and waits for it. port() is 0 when it ended instead.
+    explicit Sim_Process(std::vector<std::string> arguments, int wantedPort = 0);
     ~Sim_Process();
     Sim_Process(const Sim_Process&) = delete;
     Sim_Process& operator=(const Sim_Process&) = delete;
 
     int port() const { return portNumber; }
+    void signal(int number) const;
     void writeLine(const std::string& line);   // to its standard input
     std::string readLine();                    // of its standard output, without the line end
     void waitForLog(const std::string& text);  // until it stands in its standard error
     // Sends SIGTERM unless it ended by itself, takes the rest of both outputs, returns the exit code; -1 when it
     // crashed.
-    int finish(bool signal = true);
+    int finish(bool terminate = true);
     // After finish: the summary, which stands last.
     std::string summary() const { return rest; }
     std::string log() const { return errors; }
