@@ -26,6 +26,15 @@ bool isWithin(const std::string& argument, const std::string& leaf) {
     return leaf.size() == argument.size() || leaf[argument.size()] == '.' || leaf[argument.size()] == '[';
 }
 
+// The glob may match the element, or a structure or array that it lies in: 'Motors[*]' stands for all their members.
+bool globCovers(const std::string& pattern, const std::string& leaf) {
+    if (globMatches(pattern, leaf)) return true;
+    for (std::size_t at = leaf.find_first_of(".["); at != std::string::npos; at = leaf.find_first_of(".[", at + 1)) {
+        if (globMatches(pattern, leaf.substr(0, at))) return true;
+    }
+    return false;
+}
+
 // Collects what each argument matches in one walk over the file. A run is what lies in one array without a gap.
 class Selection {
 public:
@@ -36,7 +45,7 @@ public:
         if (leaf.definition != runDefinition || leaf.address != runEnd) endRun();
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             const std::string& argument = arguments[i];
-            if (isGlob(argument) ? globMatches(argument, leaf.text) : isWithin(argument, leaf.text)) {
+            if (isGlob(argument) ? globCovers(argument, leaf.text) : isWithin(argument, leaf.text)) {
                 found[i].push_back(variableOf(leaf));
             }
         }

@@ -70,7 +70,7 @@ void showSpan(Session& session, Output& out, const Span& span) {
     const std::string bytes = session.bytes(span.range);
     for (std::uint32_t done = 0; done < span.range.bytes; done += BytesOfLine) {
         const std::uint32_t length = std::min(BytesOfLine, span.range.bytes - done);
-        const bool known = session.freshness(span.address + done, length) == Freshness::Fresh;
+        const bool known = session.freshness(span.address + done, length) != Freshness::Unknown;
         showLine(out, span.address + done, length, known, bytes.substr(done, length));
     }
 }

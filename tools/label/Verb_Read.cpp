@@ -34,7 +34,8 @@ void checkCount(const Variable& variable, std::uint32_t count) {
 bool show(Session& session, Output& out, const Read_Options& options, const Variable& variable) {
     Label_Range run = variable.range;
     run.bytes *= static_cast<std::uint32_t>(options.count);
-    const bool known = session.freshness(variable.address, run.bytes) == Freshness::Fresh;
+    // A connection lost later in the run takes nothing from what it delivered before.
+    const bool known = session.freshness(variable.address, run.bytes) != Freshness::Unknown;
     const View view = chosenView(options, variable);
     const std::string bytes = known ? session.bytes(run) : std::string();
     const Value value = known ? valueOfRun(variable, view, bytes) : Value();

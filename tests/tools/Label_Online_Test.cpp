@@ -1,0 +1,170 @@
+// vornex-label against a simulator, both as processes: what a commissioning engineer sees when things go wrong.
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "Sim_Process.h"
+
+namespace vornex::test {
+namespace {
+
+struct Outcome {
+    int code = -1;
+    std::string text;  // stdout and stderr
+    bool holds(const std::string& part) const { return text.find(part) != std::string::npos; }
+};
+
+// Runs the tool; `onLine` sees every line of its output while it runs, and the process to signal.
+using On_Line = std::function<void(const std::string& line, pid_t process)>;
+
+Outcome run(const std::string& arguments, const On_Line& onLine = nullptr) {
+    Outcome outcome;
+    // A hang is a failure, not a test that never ends: timeout ends the tool, and passes signals on to it.
+    const std::string command = "cd " WORK_DIR " && echo $$ && exec timeout 60 " TOOL " " + arguments + " 2>&1";
+    FILE* const pipe = popen(command.c_str(), "r");
+    char line[4096];
+    if (!pipe || !fgets(line, sizeof line, pipe)) return outcome;
+    const pid_t process = std::stoi(line);
+    while (fgets(line, sizeof line, pipe)) {
+        outcome.text += line;
+        if (onLine) onLine(line, process);
+    }
+    const int status = pclose(pipe);
+    outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return outcome;
+}
+
+std::string on(int port) { return " -l " PLANT " -t 127.0.0.1:" + std::to_string(port) + " "; }
+
+int timesApplied(Sim_Process& sim) {
+    EXPECT_EQ(sim.finish(), 0) << sim.log();
+    return nlohmann::json::parse(sim.summary())["faults"];
+}
+
+TEST(Online, readsWritesAndExitsAsDocumented) {
+    Sim_Process sim({"-l", PLANT, "-q"});
+    const struct {
+        const char* arguments;
+        int code;
+        const char* text;
+    } rows[] = {
+        {"write --verify Setpoint=-77 'Motors[3].Axis[2].Setpoint=42.5'", 0, "Setpoint = -77 rpm  written, verified"},
+        {"read Setpoint 'Motors[3].Axis[2].Setpoint'", 0, "Motors[3].Axis[2].Setpoint = 42.5 mm"},
+        {"write 'Grid=[1,2,3,4,5]' --verify -o csv", 0, "\"Grid[0,0]\",\"[1, 2, 3, 4, 5]\""},
+        {"read 'Grid[%%]' --index 1", 0, "Grid[1,0] = 5"},
+        {"read 'Grid[0,1]' -c 3", 0, "Grid[0,1] = [2, 3, 4]"},
+        {"write 'Buf=\"hello\"'", 0, "written"},
+        {"read Buf[0] -c 32 --as text", 0, "\"hello\""},
+        {"write Setpoint=1 --dry-run", 0, "frame 02 08 00 40 68 00 00 00 02 00 01 00 "},
+        {"read Setpoint", 0, "Setpoint = -77 rpm"},  // the dry run sent nothing
+        {"dump 104 2", 0, "00000068  B3 FF "},
+        {"watch Setpoint --until 'Setpoint<0' -n 100", 0, "Setpoint = -77 rpm"},
+        {"watch Setpoint --until 'Setpoint>0' -n 2 -i 1", 5, "was not met"},
+        {"stats 'Motors[*]' -n 5", 0, "packing: "},
+        {"read NoSuchLabel", 2, "no label 'NoSuchLabel' in "},
+        {"read 'NoSuch*'", 2, "no label matches 'NoSuch*'"},
+        {"read Grid[0,1] -c 12", 2, "has 11 elements from here on"},
+        {"write Setpoint=40000", 2, "'40000' is out of range: -32768 to 32767"},
+        {"write Grid=1", 2, "begins an array of 12 elements"},
+        {"read Setpoint -m 0", 1, "--max-bytes"},
+    };
+    for (const auto& row : rows) {
+        const Outcome outcome = run(row.arguments + on(sim.port()));
+        EXPECT_EQ(outcome.code, row.code) << row.arguments << "\n" << outcome.text;
+        EXPECT_TRUE(outcome.holds(row.text)) << row.arguments << "\n" << outcome.text;
+    }
+}
+
+TEST(Online, saysThatNobodyAnswers) {
+    int freePort = 0;
+    {
+        Sim_Process gone({"-l", PLANT, "-q"});
+        freePort = gone.port();
+    }
+    const Outcome refused = run("read Speed" + on(freePort));
+    EXPECT_EQ(refused.code, 3) << refused.text;
+    EXPECT_TRUE(refused.holds("no connection to 127.0.0.1:")) << refused.text;
+
+    Sim_Process mute({"-l", PLANT, "-q", "--fault", "drop", "-o", "json"});
+    const Outcome unanswered = run("read Speed -R 1 -T 100" + on(mute.port()));
+    EXPECT_EQ(unanswered.code, 4);
+    EXPECT_TRUE(unanswered.holds("Speed = ?\n")) << unanswered.text;  // not 0
+    EXPECT_TRUE(unanswered.holds("the driver gave up: no reply (code 44, type 3)")) << unanswered.text;
+    const Outcome unwritten = run("write Speed=5 -R 0 -T 100" + on(mute.port()));
+    EXPECT_EQ(unwritten.code, 4) << unwritten.text;
+    EXPECT_TRUE(unwritten.holds("may not be written")) << unwritten.text;
+    EXPECT_EQ(timesApplied(mute), 3);
+}
+
+// Every label of an array has its own value, the replies all have one length: a reply taken for another shows.
+TEST(Online, neverShowsTheReplyToAnotherRequest) {
+    const std::string file = std::string(WORK_DIR) + "/spread.json";
+    std::ofstream labels(file);
+    labels << "{\"format\":1,\"labels\":[";
+    std::string names, expected;
+    for (int i = 0; i < 12; ++i) {
+        const std::string name = "V" + std::to_string(i), value = std::to_string(1000 + i);
+        labels << (i ? "," : "") << "{\"name\":\"" << name << "\",\"type\":\"3\",\"at\":" << i * 100
+               << ",\"sim\":\"const(" << value << ")\"}";
+        names += " " + name;
+        expected += name + " = " + value + "\n";
+    }
+    labels << "]}" << std::flush;
+    for (const char* fault : {"late(5)@p=0.3", "count@p=0.3", "dup@p=0.3", "glue@p=0.2", "long@p=0.3"}) {
+        Sim_Process sim({"-l", file, "-q", "--fault", fault, "--seed", "3", "-o", "json"});
+        const std::string target = " -t 127.0.0.1:" + std::to_string(sim.port());
+        const Outcome outcome = run("read -l " + file + target + " -R 40 -T 150" + names);
+        EXPECT_EQ(outcome.code, 0) << fault << "\n" << outcome.text;
+        EXPECT_EQ(outcome.text, expected) << fault;
+        EXPECT_GT(timesApplied(sim), 0) << fault;
+    }
+}
+
+TEST(Online, watchTellsLossReturnAndFreshValues) {
+    Sim_Process sim({"-l", PLANT, "-q", "--fault", "refuse(300)@n=3", "-o", "json"});
+    const Outcome outcome = run("watch Setpoint -i 20 -n 12 -T 300 -R 0" + on(sim.port()));
+    EXPECT_EQ(outcome.code, 0) << outcome.text;
+    const std::size_t lost = outcome.text.find("connection lost");
+    const std::size_t back = outcome.text.find("-- connected", lost);
+    ASSERT_NE(lost, std::string::npos) << outcome.text;
+    ASSERT_NE(back, std::string::npos) << outcome.text;
+    EXPECT_NE(outcome.text.find("Setpoint = 1500 rpm", back), std::string::npos) << outcome.text;  // again, although equal
+    EXPECT_EQ(outcome.text.find("Setpoint = ", lost), outcome.text.find("Setpoint = ", back)) << outcome.text;
+    EXPECT_EQ(timesApplied(sim), 1);
+}
+
+TEST(Online, aRecordedLinkReplaysEqualAndABentOneDoesNot) {
+    const std::string record = std::string(WORK_DIR) + "/link.jsonl";
+    Sim_Process sim({"-l", PLANT, "-q", "--fault", "crc@p=0.2", "--fault", "count@p=0.1"});
+    run("write Setpoint=5 'Recipe[1]=[1,2]' --verify -R 20 --trace " + record + on(sim.port()));
+    EXPECT_EQ(run("replay " + record).code, 0);
+    std::ifstream in(record);
+    std::string text((std::istreambuf_iterator<char>(in)), {});
+    const std::size_t status = text.find("\"status\":1");
+    ASSERT_NE(status, std::string::npos);
+    std::ofstream(record) << text.replace(status, 10, "\"status\":0");
+    const Outcome bent = run("replay " + record);
+    EXPECT_EQ(bent.code, 5);
+    EXPECT_TRUE(bent.holds("recorded: result 0")) << bent.text;
+    std::ofstream(record) << text.substr(0, status);
+    EXPECT_EQ(run("replay " + record).code, 1);  // cut in the middle of a line
+}
+
+TEST(Online, ctrlCEndsAWatchWithItsSummary) {
+    Sim_Process sim({"-l", PLANT, "-q"});
+    const Outcome outcome = run("watch Setpoint -i 86400000" + on(sim.port()), [](const std::string& line, pid_t process) {
+        if (line.find("Setpoint = ") != std::string::npos) kill(process, SIGINT);
+    });
+    EXPECT_EQ(outcome.code, 130) << outcome.text;
+    EXPECT_TRUE(outcome.holds("1 exchanges, 0 retries")) << outcome.text;
+}
+
+}  // namespace
+}  // namespace vornex::test
