@@ -148,10 +148,11 @@ Exit_Code Watch::run() {
     online.connect();
     startPolling();
     for (bool first = true;;) {
-        const Watch_News news = events.wait();
+        Watch_News news = events.wait();
         // The connection that was made at the start is no news.
-        if (!first || news.linkChanges.size() > 1) tell(news);
+        if (first && !news.linkChanges.empty()) news.linkChanges.erase(news.linkChanges.begin());
         first = false;
+        tell(news);
         refresh();
         if (news.newRound || !news.linkChanges.empty()) {
             if (news.newRound || tool.out.dataOnTerminal) {
