@@ -6,18 +6,19 @@
 #include "protocol/Func_DealData.h"
 
 int main() {
-    std::atomic<bool> done{false};
+    std::atomic<bool> written{false};
     RW_VAR request;
     request.address = 0x100;
     request.length = 4;
-    WriteDataToLocal(&request);
-    std::thread careless([&done] {
-        unsigned seen = 0;
-        for (int i = 0; i < 100000; ++i)
-            seen += PLC_driver.dataImage.value(0x100);
-        done = seen < 1000;
+    unsigned char seen = 1;
+    std::thread careless([&written, &seen] {
+        // Relaxed: the wait orders the two accesses in time, but is no lock for either.
+        while (!written.load(std::memory_order_relaxed))
+            std::this_thread::yield();
+        seen = PLC_driver.dataImage.value(0x100);
     });
-    while (!done)
-        WriteDataToLocal(&request);
+    WriteDataToLocal(&request);
+    written.store(true, std::memory_order_relaxed);
     careless.join();
+    return seen;
 }
