@@ -134,17 +134,32 @@ void tableLookup(benchmark::State& state) {
         table = PLC_driver.labelTable;
     }
     for (auto _ : state)
-        state.SetIterationTime(secondsOf(
-            names, [&](const QString& name) { benchmark::DoNotOptimize(table.constFind(name)->address); }));
+        state.SetIterationTime(
+            secondsOf(names, [&](const QString& name) { benchmark::DoNotOptimize(table.constFind(name)->address); }));
 }
 
 BENCHMARK(tableLookup)->Name("resolve/table_lookup")->UseManualTime()->Iterations(400);
-BENCHMARK_CAPTURE(resolveDriver, plain, scene::PlainLabel)->Name("resolve_plain/driver")->UseManualTime()->Iterations(400);
-BENCHMARK_CAPTURE(resolvePlain, plain, scene::PlainLabel)->Name("resolve_plain/straightforward")->UseManualTime()->Iterations(400);
-BENCHMARK_CAPTURE(resolveDriver, member, scene::MemberLabel)->Name("resolve_member/driver")->UseManualTime()->Iterations(400);
-BENCHMARK_CAPTURE(resolvePlain, member, scene::MemberLabel)->Name("resolve_member/straightforward")->UseManualTime()->Iterations(400);
+BENCHMARK_CAPTURE(resolveDriver, plain, scene::PlainLabel)
+    ->Name("resolve_plain/driver")
+    ->UseManualTime()
+    ->Iterations(400);
+BENCHMARK_CAPTURE(resolvePlain, plain, scene::PlainLabel)
+    ->Name("resolve_plain/straightforward")
+    ->UseManualTime()
+    ->Iterations(400);
+BENCHMARK_CAPTURE(resolveDriver, member, scene::MemberLabel)
+    ->Name("resolve_member/driver")
+    ->UseManualTime()
+    ->Iterations(400);
+BENCHMARK_CAPTURE(resolvePlain, member, scene::MemberLabel)
+    ->Name("resolve_member/straightforward")
+    ->UseManualTime()
+    ->Iterations(400);
 BENCHMARK_CAPTURE(resolveDriver, deep, scene::DeepLabel)->Name("resolve_deep/driver")->UseManualTime()->Iterations(400);
-BENCHMARK_CAPTURE(resolvePlain, deep, scene::DeepLabel)->Name("resolve_deep/straightforward")->UseManualTime()->Iterations(400);
+BENCHMARK_CAPTURE(resolvePlain, deep, scene::DeepLabel)
+    ->Name("resolve_deep/straightforward")
+    ->UseManualTime()
+    ->Iterations(400);
 
 void rewriteTemplate(benchmark::State& state) {
     scene::reset();
