@@ -26,10 +26,17 @@ need_build() {
 
 # build FOLDER [CMAKE OPTION...]: configures and builds; prints the log only when it fails.
 build() {
-  folder=$1
-  shift
+  build_only all "$@"
+}
+
+# build_only "TARGET..." FOLDER [CMAKE OPTION...]: the same for some targets.
+build_only() {
+  targets=$1
+  folder=$2
+  shift 2
   mkdir -p "$folder"
-  if ! { cmake -G Ninja -B "$folder" "$@" && cmake --build "$folder"; } >"$folder/build.log" 2>&1; then
+  # shellcheck disable=SC2086
+  if ! { cmake -G Ninja -B "$folder" "$@" && cmake --build "$folder" --target $targets; } >"$folder/build.log" 2>&1; then
     grep -E 'error|FAILED|CMake Error' -A 5 "$folder/build.log" >&2 || tail -n 40 "$folder/build.log" >&2
     echo "The build failed; its log is $folder/build.log" >&2
     exit 1
