@@ -3,10 +3,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 #include <bitset>
-#include <cstdio>
+#include <cstdlib>
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include "Sim_Process.h"
 
@@ -25,9 +24,16 @@ std::size_t bytesIn(const std::string& hex) {
     return (hex.size() + 1) / 3;
 }
 
-nlohmann::json summaryOf(Sim_Process& sim, int exitCode = 0) {
+// The summary of a simulator that was started with "-o json".
+std::string summaryOf(Sim_Process& sim, int exitCode = 0) {
     EXPECT_EQ(sim.finish(), exitCode) << sim.log();
-    return nlohmann::json::parse(sim.summary());
+    return sim.summary();
+}
+
+// The number behind a key, -1 when there is none.
+int numberIn(const std::string& json, const std::string& key) {
+    const std::size_t at = json.find("\"" + key + "\":");
+    return at == std::string::npos ? -1 : std::atoi(json.c_str() + at + key.size() + 3);
 }
 
 // Writes the bytes that the answers above hold.
@@ -38,10 +44,10 @@ void fill(Raw_Client& client) {
 }
 
 void expectApplied(Sim_Process& sim, const std::string& kind, int times) {
-    const nlohmann::json summary = summaryOf(sim);
-    EXPECT_EQ(summary["faultKinds"][kind], times);
-    EXPECT_EQ(summary["faults"], times);
-    EXPECT_EQ(summary["rules"][0]["applied"], times);
+    const std::string summary = summaryOf(sim);
+    EXPECT_EQ(numberIn(summary, kind), times) << summary;
+    EXPECT_EQ(numberIn(summary, "faults"), times) << summary;
+    EXPECT_EQ(numberIn(summary, "applied"), times) << summary;
     EXPECT_NE(sim.log().find("fault " + kind), std::string::npos) << sim.log();
 }
 
@@ -130,7 +136,7 @@ TEST(Sim_Faults, headerIsSealedAgain) {
     EXPECT_EQ(second.substr(12, 17), std::string(Answer).substr(12, 17));
     EXPECT_NE(first.substr(0, 11), second.substr(0, 11));
     EXPECT_NE(first.substr(30), second.substr(30)) << "another header, the same check value";
-    EXPECT_EQ(summaryOf(sim)["faultKinds"]["header"], 2);
+    EXPECT_EQ(numberIn(summaryOf(sim), "header"), 2);
 }
 
 struct Timed_Answer {
@@ -212,14 +218,21 @@ TEST(Sim_Faults, endTheConnection) {
     }
 }
 
-TEST(Sim_Faults, refuseTakesConnectionsAgainLater) {
-    Sim_Process sim({"-l", EXAMPLES_DIR "/plant.json", "--fault", "refuse(1500)@n=1,cmd=read"});
+TEST(Sim_Faults, refuseSparesNobody) {
+    Sim_Process sim({"-l", EXAMPLES_DIR "/plant.json", "--fault", "refuse(3600000)@n=1,cmd=read"});
     Raw_Client client(sim.port());
     Raw_Client other(sim.port());
+    fill(other);
+    client.send(Read);
+    EXPECT_EQ(other.waitForEnd(), Raw_Client::End::Reset);
+    EXPECT_FALSE(Raw_Client(sim.port()).isConnected());
+}
+
+TEST(Sim_Faults, refuseTakesConnectionsAgainLater) {
+    Sim_Process sim({"-l", EXAMPLES_DIR "/plant.json", "--fault", "refuse(20)@n=1,cmd=read"});
+    Raw_Client client(sim.port());
     fill(client);
     client.send(Read);
-    EXPECT_EQ(other.waitForEnd(), Raw_Client::End::Reset) << "a restart spares nobody";
-    EXPECT_FALSE(Raw_Client(sim.port()).isConnected());
     sim.waitForLog("connections are taken again");
     Raw_Client again(sim.port());
     again.send(Read);
@@ -233,7 +246,7 @@ TEST(Sim_Faults, killEndsTheSimulatorWithItsSummary) {
     client.send(Read);
     EXPECT_EQ(client.waitForEnd(), Raw_Client::End::Reset);
     EXPECT_EQ(sim.finish(false), 0);
-    EXPECT_EQ(nlohmann::json::parse(sim.summary())["faultKinds"]["kill"], 1);
+    EXPECT_EQ(numberIn(sim.summary(), "kill"), 1) << sim.summary();
 }
 
 TEST(Sim, aRuleThatNeverFiredIsTold) {
@@ -249,10 +262,10 @@ TEST(Sim, expectationsDecideTheExitCode) {
     Sim_Process sim({"-l", EXAMPLES_DIR "/plant.json", "--expect", "writes>=1", "--expect", "reads>=1", "-o", "json"});
     Raw_Client client(sim.port());
     fill(client);
-    const nlohmann::json summary = summaryOf(sim, 7);
-    EXPECT_EQ(summary["expectations"][0]["met"], true);
-    EXPECT_EQ(summary["expectations"][1]["met"], false);
-    EXPECT_EQ(summary["bytesWritten"], 4);
+    const std::string summary = summaryOf(sim, 7);
+    EXPECT_NE(summary.find(R"({"expect":"writes>=1","value":1,"met":true})"), std::string::npos) << summary;
+    EXPECT_NE(summary.find(R"({"expect":"reads>=1","value":0,"met":false})"), std::string::npos) << summary;
+    EXPECT_EQ(numberIn(summary, "bytesWritten"), 4);
 }
 
 struct Refused_Start {
@@ -292,9 +305,9 @@ TEST(Sim, senselessFramesAreNotAnswered) {
     client.send("02 06 00 41 00 10 00 00 3b 00 ba 3c");        // an answer over the limit
     client.send(Read);
     EXPECT_EQ(client.receive(12), Answer);
-    const nlohmann::json summary = summaryOf(sim);
-    EXPECT_EQ(summary["badFrames"], 5);
-    EXPECT_EQ(summary["requests"], 2);
+    const std::string summary = summaryOf(sim);
+    EXPECT_EQ(numberIn(summary, "badFrames"), 5);
+    EXPECT_EQ(numberIn(summary, "requests"), 2);
 }
 
 TEST(Sim, whatCannotBeAFrameEndsTheConnection) {
@@ -310,11 +323,11 @@ TEST(Sim, whatCannotBeAFrameEndsTheConnection) {
     EXPECT_EQ(bytesIn(first.receive(12)), 12u);
     Raw_Client second(sim.port());
     EXPECT_EQ(second.waitForEnd(), Raw_Client::End::Closed) << "one client is the limit";
-    const nlohmann::json summary = summaryOf(sim);
-    EXPECT_EQ(summary["badFrames"], 2);
-    EXPECT_EQ(summary["slowFrames"], 1);
-    EXPECT_EQ(summary["clients"], 4);
-    EXPECT_EQ(summary["clientsRefused"], 1);
+    const std::string summary = summaryOf(sim);
+    EXPECT_EQ(numberIn(summary, "badFrames"), 2);
+    EXPECT_EQ(numberIn(summary, "slowFrames"), 1);
+    EXPECT_EQ(numberIn(summary, "clients"), 4);
+    EXPECT_EQ(numberIn(summary, "clientsRefused"), 1);
 }
 
 TEST(Sim, requestsInPiecesAndTogetherAreAnsweredInOrder) {
