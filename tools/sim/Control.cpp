@@ -42,7 +42,7 @@ Bytes hexBytes(const std::string& text) {
 std::string get(std::string rest, Controller& controller, double now) {
     const std::string what = takeWord(rest);
     if (isAddress(what)) {
-        const std::uint64_t bytes = parseUnsigned(takeWord(rest), LongestPeek);
+        const auto bytes = static_cast<std::size_t>(parseUnsigned(takeWord(rest), LongestPeek));
         return "ok " + hexText(controller.plant.peek(parseAddress(what), bytes, now));
     }
     const Leaf leaf = findLabel(controller, what);

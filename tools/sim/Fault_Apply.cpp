@@ -33,16 +33,19 @@ void changeContent(const Fault_Rule& rule, Reply& reply, Fault_Rules& noise) {
     }
 }
 
-void flipBits(Bytes& bytes, std::uint64_t bits, Fault_Rules& noise) {
-    std::set<std::uint64_t> places;
-    bits = std::min<std::uint64_t>(bits, bytes.size() * 8);
+// An argument is small (Fault_Rules.cpp): it fits a size on every machine.
+std::size_t sizeOf(std::uint64_t argument) { return static_cast<std::size_t>(argument); }
+
+void flipBits(Bytes& bytes, std::size_t bits, Fault_Rules& noise) {
+    std::set<std::size_t> places;
+    bits = std::min(bits, bytes.size() * 8);
     while (places.size() < bits)
-        places.insert(noise.random(bytes.size() * 8));
-    for (const std::uint64_t place : places)
+        places.insert(sizeOf(noise.random(bytes.size() * 8)));
+    for (const std::size_t place : places)
         bytes[place / 8] ^= static_cast<std::uint8_t>(1u << place % 8);
 }
 
-void makeJunk(Bytes& bytes, std::uint64_t count, Fault_Rules& noise) {
+void makeJunk(Bytes& bytes, std::size_t count, Fault_Rules& noise) {
     if (count) bytes.resize(count);
     for (std::uint8_t& byte : bytes)
         byte = randomByte(noise);
@@ -59,17 +62,17 @@ void changeBytes(const Fault_Rule& rule, Bytes& bytes, const Bytes& previous, Fa
                 bytes[i] ^= 0xff;
             return;
         case Fault_Kind::Flip:
-            flipBits(bytes, rule.args[0], noise);
+            flipBits(bytes, sizeOf(rule.args[0]), noise);
             return;
         case Fault_Kind::Short:
-            bytes.resize(bytes.size() - std::min<std::uint64_t>(bytes.size(), rule.args[0]));
+            bytes.resize(bytes.size() - std::min(bytes.size(), sizeOf(rule.args[0])));
             return;
         case Fault_Kind::Long:
             for (std::uint64_t i = 0; i < rule.args[0]; ++i)
                 bytes.push_back(randomByte(noise));
             return;
         case Fault_Kind::Junk:
-            makeJunk(bytes, rule.args[0], noise);
+            makeJunk(bytes, sizeOf(rule.args[0]), noise);
             return;
         case Fault_Kind::Stale:
             bytes = previous;
@@ -87,9 +90,9 @@ void changeBytes(const Fault_Rule& rule, Bytes& bytes, const Bytes& previous, Fa
     }
 }
 
-void endAfter(Delivery& delivery, Delivery::End end, std::uint64_t bytes) {
+void endAfter(Delivery& delivery, Delivery::End end, std::size_t bytes) {
     delivery.end = end;
-    delivery.bytes.resize(std::min<std::uint64_t>(delivery.bytes.size(), bytes));
+    delivery.bytes.resize(std::min(delivery.bytes.size(), bytes));
 }
 
 void changeWay(const Fault_Rule& rule, Delivery& delivery, Fault_Rules& noise) {
@@ -106,13 +109,13 @@ void changeWay(const Fault_Rule& rule, Delivery& delivery, Fault_Rules& noise) {
             delivery.hold = Delivery::Hold::Glue;
             return;
         case Fault_Kind::Slice:
-            delivery.pieceBytes = first;
+            delivery.pieceBytes = sizeOf(first);
             delivery.pieceGap = rule.args[1];
             return;
         case Fault_Kind::Rst:
-            return endAfter(delivery, Delivery::End::Rst, first);
+            return endAfter(delivery, Delivery::End::Rst, sizeOf(first));
         case Fault_Kind::Fin:
-            return endAfter(delivery, Delivery::End::Fin, first);
+            return endAfter(delivery, Delivery::End::Fin, sizeOf(first));
         case Fault_Kind::Refuse:
             delivery.refuse = first;
             return;
