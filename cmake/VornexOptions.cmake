@@ -31,7 +31,7 @@ endif()
 # emulator, because the machine cannot.
 function(vornex_runnable target result)
   if(CMAKE_CROSSCOMPILING_EMULATOR)
-    set(script "${PROJECT_BINARY_DIR}/emulated/${target}")
+    set(script "${CMAKE_CURRENT_BINARY_DIR}/emulated/${target}")
     list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
     file(GENERATE OUTPUT "${script}" CONTENT "#!/bin/sh\nexec ${emulator} $<TARGET_FILE:${target}> \"$@\"\n"
          FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
