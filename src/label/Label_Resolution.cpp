@@ -5,10 +5,17 @@
 namespace {
 
 // The label table as it is now. An implicitly shared copy: taking it costs one counter, whatever the table holds, and
-// the walk needs no lock.
+// the walk needs no lock. It is given back under the lock: a delivery that finds itself the only owner changes the
+// table in place, and nothing but the lock orders that behind the reads of the walk.
 struct Table_Snapshot {
     QHash<QString, Label_Type_Info> table;
-    quint32 generation;
+    quint32 generation = 0;
+
+    ~Table_Snapshot() {
+        if (table.isEmpty()) return;
+        const Mutex_Lock lock(PLC_driver.labelMutex);
+        table = QHash<QString, Label_Type_Info>();
+    }
 };
 
 void takeSnapshot(Table_Snapshot& snapshot) REQUIRES(PLC_driver.labelMutex) {

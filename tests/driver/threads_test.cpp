@@ -64,6 +64,9 @@ TEST_F(Threads, HostThreadsBesideTheExchange) {
             const int result = get_label_address(text("Other"), info);
             EXPECT_EQ(0, result * static_cast<int>(before));
             EXPECT_LE(before, info.address);  // never an old definition once the delivery has returned
+            QString label = text("Block[%%]");
+            EXPECT_EQ(0, get_label_address(label, 3));
+            EXPECT_EQ(1, get_label_address(text("Other[1]"), info));
         }
     });
     std::thread switcher([&done] {
