@@ -1,8 +1,7 @@
 #include "lists/Func_Initi.h"
 
-#include <QtCore/QVector>
-
 #include <algorithm>
+#include <numeric>
 
 #include "lists/Read_Packing.h"
 
@@ -30,7 +29,27 @@ private:
     const QList<RW_VAR>& list_;
 };
 
+// Appends to `sorted` at the places that one byte of the keys gives them, which `starts` leads to.
+void distribute(const QVector<quint64>& keys, int shift, int* starts, quint64* sorted) {
+    for (int i = 0; i < keys.size(); ++i)
+        sorted[starts[keys.at(i) >> shift & 0xFF]++] = keys.at(i);
+}
+
 }  // namespace
+
+// Byte by byte of the address, the lowest first: a comparing sort takes a third of a rebuild.
+void sortByAddress(QVector<quint64>& keys) {
+    QVector<quint64> sorted(keys.size());
+    for (int shift = 32; shift < 64; shift += 8) {
+        int starts[257] = {};
+        for (int i = 0; i < keys.size(); ++i)
+            ++starts[(keys.at(i) >> shift & 0xFF) + 1];
+        if (std::count(starts, starts + 257, keys.size()) != 0) continue;  // all have the same byte here
+        std::partial_sum(starts, starts + 257, starts);
+        distribute(keys, shift, starts, sorted.data());
+        keys.swap(sorted);
+    }
+}
 
 void appendPieces(RW_VAR& piece, qint64 total, int maximum, QList<RW_VAR>& list) {
     if (total / maximum >= MostPieces) return;
@@ -56,7 +75,7 @@ void Bubble_Sort(QList<RW_VAR>* list) {
     keys.reserve(list->size());
     for (int i = 0; i < list->size(); ++i)
         keys.append(sortKey(list->at(i).address, i));
-    std::sort(keys.begin(), keys.end());
+    sortByAddress(keys);
 
     // keys[i] says which entry belongs at place i: follow each cycle of the permutation once.
     for (int start = 0; start < keys.size(); ++start) {

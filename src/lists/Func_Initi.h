@@ -4,7 +4,7 @@
 
 #include "driver/Communication_Protocol.h"
 
-// Sorts by address, ascending as signed numbers; equal addresses keep their order. O(n log n).
+// Sorts by address, ascending as signed numbers; equal addresses keep their order. O(n).
 // Thread, locks: the caller's.
 VORNEX_EXPORT void Bubble_Sort(QList<RW_VAR>* list);
 

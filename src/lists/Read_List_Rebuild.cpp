@@ -1,8 +1,4 @@
 // The cyclic read list, made anew from the host's set of variables.
-#include <QtCore/QVector>
-
-#include <algorithm>
-
 #include "base/Byte_Count.h"
 #include "base/Shared_Word.h"
 #include "label/Label_Resolution.h"
@@ -26,7 +22,7 @@ public:
         reads_.reserve(definitions.size());
         for (int i = 0; i < definitions.size(); ++i)
             resolve(i);
-        std::sort(keys_.begin(), keys_.end());
+        sortByAddress(keys_);
     }
 
     int size() const { return keys_.size(); }

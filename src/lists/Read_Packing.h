@@ -5,6 +5,8 @@
 #ifndef VORNEX_LISTS_READ_PACKING_H
 #define VORNEX_LISTS_READ_PACKING_H
 
+#include <QtCore/QVector>
+
 #include "driver/Communication_Protocol.h"
 #include "lists/Func_Initi.h"
 
@@ -13,7 +15,7 @@ inline qint64 signedAddress(quint32 address) {
     return static_cast<qint32>(address);
 }
 
-// Sort key: the address, made unsigned so that order is kept, then a place, which keeps the sort stable.
+// Sort key: the address, made unsigned so that order is kept, then the place of what it belongs to.
 inline quint64 sortKey(quint32 address, int place) {
     return static_cast<quint64>(address ^ 0x80000000u) << 32 | static_cast<quint32>(place);
 }
@@ -23,6 +25,9 @@ inline int placeOf(quint64 key) {
 inline quint32 addressOf(quint64 key) {
     return static_cast<quint32>(key >> 32) ^ 0x80000000u;
 }
+
+// Sorts keys by their addresses; equal addresses keep their order. The cost is linear in the number of keys.
+void sortByAddress(QVector<quint64>& keys);
 
 // Appends copies of `piece` that cover `total` bytes from its address on, and leaves it as the last of them.
 void appendPieces(RW_VAR& piece, qint64 total, int maximum, QList<RW_VAR>& list);
