@@ -8,4 +8,5 @@ void PassVarName_2(QList<Label_Type_Info>* labels) {
     ++PLC_driver.labelGeneration;
     for (int i = 0; i < labels->size(); ++i)
         PLC_driver.labelTable.insert(labels->at(i).name, labels->at(i));
+    PLC_driver.labelCache.reserve(PLC_driver.labelTable.size());  // or it would be rearranged as it fills
 }
