@@ -232,8 +232,14 @@ TEST_F(Lists, APieceIsQueuedOnceUnlessOneOfSevenFieldsDiffers) {
     EXPECT_EQ(++expected, queue());
     record.accessMode = record.status = 9;
     EXPECT_EQ(expected, queue());
+
+    RW_VAR served = PLC_driver.onceReadList.at(0);
     exchange();
     EXPECT_EQ(expected - 1, PLC_driver.onceReadList.size());
+    EXPECT_EQ(expected, AddListOnceReadVar(&served)) << "served, so no longer queued";
+    RW_VAR changed = PLC_driver.onceReadList.at(0);
+    PLC_driver.onceReadList.first().length = 99;
+    EXPECT_EQ(expected + 1, AddListOnceReadVar(&changed)) << "its entry was changed past the driver";
 }
 
 TEST_F(Lists, AFullOneShotQueueDropsPiecesButTheRecordRunsOn) {
