@@ -175,6 +175,16 @@ TEST(Label_File, walkStopsWhenTold) {
     EXPECT_EQ(seen, 3);
 }
 
+TEST(Label_File, walkPassesByLargeArraysOfStructuresWithoutElements) {
+    const Label_File file = parseLabelFile(
+        R"({"format": 1, "structs": {"E": {"size": 1, "members": []}, "S": {"size": 1, "members": [
+            {"name": "Deep", "type": "E", "at": 0}]}},
+            "labels": [{"name": "A", "type": "S[0..2000000000]", "at": 0}, {"name": "B", "type": "3", "at": 0}]})", "f");
+    int seen = 0;
+    forEachLeaf(file, [&](const Leaf&) { return ++seen > 0; });
+    EXPECT_EQ(seen, 1);
+}
+
 // Labels of the example must not lie on each other: a write of one would show in another.
 TEST(Label_File, examplePlantHasNoOverlaps) {
     const Label_File file = readLabelFile(EXAMPLES_DIR "/plant.json");

@@ -53,7 +53,8 @@ public:
         : file(labelFile), visit(visitor) {}
 
     // False when the visitor had enough.
-    bool walk(const Label& label, const std::string& prefix, std::uint32_t base) const {
+    bool walk(const Label& label, const std::string& prefix, std::uint32_t base) {
+        if (!hasLeaves(label.type)) return true;
         const std::uint32_t step = elementBytes(file, label.type);
         std::uint32_t address = base + label.at;
         std::vector<int> indexes;
@@ -67,7 +68,19 @@ public:
     }
 
 private:
-    bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes) const {
+    // Without this a large array of a structure that holds nothing would be walked in vain, for minutes.
+    bool hasLeaves(const Type_Ref& type) {
+        const auto found = file.structs.find(type.structName);
+        if (type.code != 12 || found == file.structs.end()) return type.code != 12;
+        const auto known = leavesIn.find(type.structName);
+        if (known != leavesIn.end()) return known->second;
+        const std::vector<Label>& members = found->second.members;
+        const bool some =
+            std::any_of(members.begin(), members.end(), [this](const Label& member) { return hasLeaves(member.type); });
+        return leavesIn[type.structName] = some;
+    }
+
+    bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes) {
         if (label.type.code != 12) {
             return visit({text, &label, address, label.type.code, bytes, resolveView(label)});
         }
@@ -81,12 +94,13 @@ private:
 
     const Label_File& file;
     const std::function<bool(const Leaf&)>& visit;
+    std::map<std::string, bool> leavesIn;  // structures looked into so far
 };
 
 }  // namespace
 
 void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit) {
-    const Leaf_Walk walk(file, visit);
+    Leaf_Walk walk(file, visit);
     for (const Label& label : file.labels) {
         if (!walk.walk(label, "", 0)) return;
     }
