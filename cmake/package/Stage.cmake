@@ -2,6 +2,16 @@
 # build out of it.
 set(staged "${CPACK_TEMPORARY_DIRECTORY}")
 
+# A Debian package finds its libraries where Debian keeps them; a search path of the board's is an error there.
+if(CPACK_GENERATOR STREQUAL "DEB")
+  file(GLOB_RECURSE programs LIST_DIRECTORIES false "${staged}/*/usr/bin/*" "${staged}/*/usr/lib/*.so*")
+  foreach(program IN LISTS programs)
+    if(NOT IS_SYMLINK "${program}")
+      file(RPATH_REMOVE FILE "${program}")
+    endif()
+  endforeach()
+endif()
+
 # Debian wants a licence note and a changelog in each package.
 if(CPACK_GENERATOR STREQUAL "DEB")
   foreach(component IN LISTS CPACK_COMPONENTS_ALL)
