@@ -23,8 +23,8 @@ TEST(Label_Csv, readsWhatSpreadsheetsWrite) {
         // separators, line ends, byte-order mark, columns in another order, an empty row and an empty column
         "kind,name,type,at,view,unit\nlabel,Grid,\"4[0..2,0..3]/16\",300,s16,\"m\"\"/s\"\n",
         "\xEF\xBB\xBFkind;name;type;at;view;unit\r\nlabel;Grid;4[0..2,0..3]/16;300;s16;\"m\"\"/s\"\r\n",
-        "# a note with \"quotes\"\nat;unit;;type;view;name;kind\n;;;;;;\n0x12C;\"m\"\"/s\";;4[0..2,0..3]/16; "
-        "s16;Grid;label",
+        ("# a note with \"quotes\"\nat;unit;;type;view;name;kind\n;;;;;;\n"
+         "0x12C;\"m\"\"/s\";;4[0..2,0..3]/16; s16;Grid;label"),
     };
     for (const char* text : rows) {
         const Label_File file = parseLabelCsv(text, "f");
