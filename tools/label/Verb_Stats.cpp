@@ -1,6 +1,7 @@
-// vornex-label stats
+// vornex-label stats and bench
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "Online.h"
 #include "Status_Text.h"
@@ -139,6 +140,53 @@ Exit_Code stats(Tool& tool, const Stats_Options& options) {
     }
 }
 
+// Polls as fast as the controller answers; nothing when interrupted.
+std::optional<Statistics_Figures> measure(Tool& tool, const Stats_Options& options, Workload& work) {
+    Watch_Events events;
+    Online online(tool);
+    online.session.addObserver(events);
+    work = startPolling(tool, online.session, options);
+    const Steady_Time start = std::chrono::steady_clock::now();
+    const Steady_Time end =
+        start + std::chrono::duration_cast<Steady_Time::duration>(std::chrono::duration<double>(options.seconds));
+    while (std::chrono::steady_clock::now() < end) {
+        if (events.wait(end).interrupted) return std::nullopt;
+    }
+    return online.statistics.figures();
+}
+
+void showSize(Output& out, int size, const Workload& work, const Statistics_Figures& now) {
+    const double exchanges = per(static_cast<double>(now.good), now.seconds);
+    const double rounds = per(now.rounds, now.seconds);
+    const double data = per(static_cast<double>(now.dataBytes), now.seconds);
+    Row row;
+    row.add("bytesPerRequest", size).add("requestsPerRound", work.requests);
+    row.add("exchangesPerSecond", Value::number(fixed(exchanges, 1)));
+    row.add("roundsPerSecond", Value::number(fixed(rounds, 1)));
+    row.add("dataBytesPerSecond", Value::number(fixed(data, 0)));
+    row.add("retries", now.retries).add("givenUp", now.gaveUp());
+    row.add("p50us", now.latency(0.5)).add("p99us", now.latency(0.99));
+    out.row(row, "-m " + std::to_string(size) + ": " + std::to_string(work.requests) + " requests a round, " +
+                     fixed(rounds, 1) + " rounds/s, " + fixed(exchanges, 1) + " exchanges/s, " + fixed(data / 1000, 1) +
+                     " kB/s data, latency p50 " + millisecondsText(now.latency(0.5)) + ", p99 " +
+                     millisecondsText(now.latency(0.99)));
+}
+
+Exit_Code bench(Tool& tool, const Stats_Options& options) {
+    Exit_Code code = Exit_Code::GaveUp;
+    for (const int size : {32, 100, 240, 500, 999}) {
+        Common_Options sized = tool.options;
+        sized.maxBytes = size;
+        Tool sizedTool(sized);  // with a driver that knows nothing of the size before
+        Workload work;
+        const std::optional<Statistics_Figures> figures = measure(sizedTool, options, work);
+        if (!figures) return Exit_Code::Interrupted;
+        showSize(tool.out, size, work, *figures);
+        if (figures->good > 0) code = Exit_Code::Ok;
+    }
+    return code;
+}
+
 }  // namespace
 
 Verb statsVerb() {
@@ -164,6 +212,31 @@ Verb statsVerb() {
         {"stats -l plant.json Speed -d 5 -o json", "An object a second, the last one the summary."},
     };
     verb.run = [own](Tool& tool) { return stats(tool, *own); };
+    return verb;
+}
+
+Verb benchVerb() {
+    const auto own = std::make_shared<Stats_Options>();
+    own->seconds = 1;
+    Verb verb;
+    verb.name = "bench";
+    verb.summary = "Find the request size that suits the link";
+    verb.description =
+        "Polls the labels as fast as the controller answers, with requests of at most 32, 100, 240, 500 and 999 bytes "
+        "one after the other, and tells rounds, exchanges, data and latency of each: the size with the most rounds a "
+        "second is the one for -m, and for the panel's own setting.\n\nExit status 4 tells that no exchange was good.";
+    verb.options = {
+        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels).must(),
+        Option("-d,--duration", "SECONDS", "How long each size is tried (1).", &own->seconds).between(0.01, 3600),
+        Option("--index", "N", "The index that takes the place of %% in a template (0).", &own->index)
+            .between(-2147483647, 2147483647),
+    };
+    verb.examples = {
+        {"bench -l plant.json '*'", "All labels, a second for each size."},
+        {"bench -l plant.json Motors Line -d 10", "What a panel with these labels would do."},
+        {"bench -l plant.json '*' -o csv", "A table for a spreadsheet."},
+    };
+    verb.run = [own](Tool& tool) { return bench(tool, *own); };
     return verb;
 }
 

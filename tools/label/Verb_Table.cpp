@@ -16,6 +16,7 @@ std::vector<Verb> allVerbs() {
         labelsNamesVerb(),
         dumpVerb(),
         statsVerb(),
+        benchVerb(),
         replayVerb(),
         manVerb(),
         completionVerb(),

@@ -23,6 +23,7 @@ Verb labelsLintVerb();
 Verb labelsNamesVerb();
 Verb dumpVerb();
 Verb statsVerb();
+Verb benchVerb();
 Verb replayVerb();
 Verb manVerb();
 Verb completionVerb();
