@@ -1,5 +1,6 @@
 #include "Statistics.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "Status_Text.h"
@@ -7,13 +8,6 @@
 namespace vornex {
 
 namespace {
-
-// Three digits are enough to read, and bound the table however long the run is.
-std::uint32_t threeDigits(std::int64_t microseconds) {
-    std::int64_t step = 1;
-    while (microseconds / step >= 1000) step *= 10;
-    return static_cast<std::uint32_t>(microseconds / step * step);
-}
 
 const char* faultName(const Exchange& exchange) {
     switch (exchange.transfer.state) {
@@ -27,20 +21,35 @@ const char* faultName(const Exchange& exchange) {
 
 }  // namespace
 
+void Latency_Histogram::add(std::chrono::microseconds latency) {
+    auto digits = static_cast<std::uint64_t>(std::max<std::chrono::microseconds::rep>(latency.count(), 0));
+    std::size_t slot = 0;
+    for (; digits >= 1000; digits /= 10) slot += SlotsPerDecade;
+    slot += static_cast<std::size_t>(digits);
+    ++counts[std::min(slot, counts.size() - 1)];
+    ++total;
+}
+
+std::uint32_t Latency_Histogram::notExceededBy(double part) const {
+    const double wanted = part * static_cast<double>(total);
+    std::uint64_t sum = 0;
+    std::uint32_t step = 1;
+    std::uint32_t digits = 0;
+    for (const std::uint64_t count : counts) {
+        sum += count;
+        if (sum > 0 && static_cast<double>(sum) >= wanted) return digits * step;
+        if (++digits == 1000) {
+            digits = 100;
+            step *= 10;
+        }
+    }
+    return 0;
+}
+
 std::uint64_t Statistics_Figures::gaveUp() const {
     std::uint64_t sum = 0;
     for (const auto& [band, count] : giveUps) sum += count;
     return sum;
-}
-
-std::uint32_t Statistics_Figures::latency(double part) const {
-    const double wanted = part * static_cast<double>(good);
-    double sum = 0;
-    for (const auto& [microseconds, count] : latencies) {
-        sum += static_cast<double>(count);
-        if (sum >= wanted) return microseconds;
-    }
-    return 0;
 }
 
 void Statistics::exchangeDone(const Exchange& exchange) {
@@ -55,7 +64,7 @@ void Statistics::exchangeDone(const Exchange& exchange) {
         return;
     }
     ++counted.good;
-    ++counted.latencies[threeDigits(exchange.latency.count())];
+    counted.latencies.add(exchange.latency);
     if (exchange.request.command == Request_View::Command::Read) counted.itemsRead += exchange.request.items.size();
     for (const Frame_Item& item : exchange.request.items) counted.dataBytes += item.length;
 }

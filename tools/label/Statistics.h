@@ -7,10 +7,27 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "Exchange.h"
 
 namespace vornex {
+
+// How often each duration came, to three digits: enough to read. All of the memory is taken at the start, so that a run
+// of months needs no more of it than one of a minute.
+class Latency_Histogram {
+public:
+    void add(std::chrono::microseconds latency);
+    // Microseconds that the given part (0 to 1) of the durations does not exceed; 0 when there are none.
+    std::uint32_t notExceededBy(double part) const;
+
+private:
+    static constexpr std::uint32_t Decades = 6;  // above the first thousand microseconds: up to a quarter of an hour
+    static constexpr std::uint32_t SlotsPerDecade = 900;
+
+    std::vector<std::uint64_t> counts = std::vector<std::uint64_t>(1000 + Decades * SlotsPerDecade);
+    std::uint64_t total = 0;
+};
 
 struct Statistics_Figures {
     std::uint64_t attempts = 0;  // frames sent, or tried to
@@ -24,12 +41,12 @@ struct Statistics_Figures {
     int rounds = 0;
     std::map<std::string, std::uint64_t> faults;  // by what went wrong
     std::map<int, std::uint64_t> giveUps;         // by the first code of their band
-    std::map<std::uint32_t, std::uint64_t> latencies;  // microseconds of good exchanges, to three digits
+    Latency_Histogram latencies;                  // of good exchanges
     double seconds = 0;
 
     std::uint64_t gaveUp() const;
-    // The latency that the given part (0 to 1) of the good exchanges does not exceed.
-    std::uint32_t latency(double part) const;
+    // Microseconds that the given part (0 to 1) of the good exchanges does not exceed.
+    std::uint32_t latency(double part) const { return latencies.notExceededBy(part); }
 };
 
 // Counts on the exchange thread, may be asked from any.
