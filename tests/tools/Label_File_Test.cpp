@@ -23,6 +23,17 @@ std::string withStruct(const std::string& type) {
     return "{\"format\":1,\"structs\":{\n\"S\":{" + type + "}},\"labels\":[]}";
 }
 
+// Two members of each structure in the next one, which doubles what lies below: 2^levels elements in a byte.
+std::string doubling(int levels) {
+    std::string text = "{\"format\":1,\"structs\":{";
+    for (int i = 0; i < levels; ++i) {
+        const std::string type = i + 1 < levels ? "\"S" + std::to_string(i + 1) + "\"" : "\"1\"";
+        text += (i == 0 ? "\"S" : ",\"S") + std::to_string(i) + "\":{\"size\":1,\"members\":[{\"name\":\"a\",\"type\":" +
+                type + ",\"at\":0},{\"name\":\"b\",\"type\":" + type + ",\"at\":0}]}";
+    }
+    return text + "},\n\"labels\":[{\"name\":\"X\",\"type\":\"S0\",\"at\":0}]}";
+}
+
 struct Bad_File {
     const char* what;
     std::string text;
@@ -80,6 +91,8 @@ TEST(Label_File, refusesWithFileLineAndLabel) {
          "f:2: member 'S.M': 1 x 2 bytes at 2 end past the structure's size 3"},
         {"contains itself", withStruct("\"size\":3,\"members\":[{\"name\":\"M\",\"type\":\"S\",\"at\":0}]"),
          "f:2: structure 'S': it contains itself"},
+        {"a bomb of nested structures", doubling(30),
+         "f:2: label 'X': with its structures spelled out, the file has more than a million members"},
         {"view of a structure",
          withStruct("\"size\":3,\"members\":[{\"name\":\"M\",\"type\":\"S\",\"at\":0,\"view\":\"u8\"}]"),
          "member 'S.M': a structure has no view"},
@@ -183,6 +196,18 @@ TEST(Label_File, walkPassesByLargeArraysOfStructuresWithoutElements) {
     int seen = 0;
     forEachLeaf(file, [&](const Leaf&) { return ++seen > 0; });
     EXPECT_EQ(seen, 1);
+}
+
+// Each would take minutes if the large arrays were walked.
+TEST(Label_File, findsAnElementBehindLargeArraysOfStructures) {
+    const Label_File file = parseLabelFile(
+        R"({"format": 1, "structs": {"S": {"size": 2, "members": [{"name": "Id", "type": "3", "at": 0}]}},
+            "labels": [{"name": "A", "type": "S[0..2000000000]", "at": 0}, {"name": "AB", "type": "S[1..3]", "at": 0}]})",
+        "f");
+    const std::optional<Leaf> found = findLeaf(file, "AB[2].Id");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->address, 2u);
+    EXPECT_FALSE(findLeaf(file, "B[2].Id"));
 }
 
 // Labels of the example must not lie on each other: a write of one would show in another.

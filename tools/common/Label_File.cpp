@@ -17,7 +17,8 @@ namespace vornex {
 namespace {
 
 constexpr std::uint64_t AddressSpace = std::uint64_t(1) << 32;
-constexpr int NestingLimit = 32;  // structures within structures; bounds every recursion over them
+constexpr int NestingLimit = 32;                // structures within structures; bounds every recursion over them
+constexpr std::uint64_t MemberLimit = 1000000;  // with structures spelled out; bounds what nesting multiplies
 
 // What a message is about: the file and, inside it, a label, a structure or a member.
 struct Place {
@@ -190,6 +191,28 @@ int nestingOf(const Label_File& file, const Place& place, const Struct_Type& typ
     return known[type.name] = levels;
 }
 
+// Members below a label of this type, those of nested structures each time, arrays once. `known` keeps what was found.
+std::uint64_t membersBelow(const Label_File& file, const Type_Ref& type, std::map<std::string, std::uint64_t>& known) {
+    if (type.code != 12) return 0;
+    const auto before = known.find(type.structName);
+    if (before != known.end()) return before->second;
+    std::uint64_t count = 0;
+    for (const Label& member : file.structs.at(type.structName).members)
+        count = std::min(count + 1 + membersBelow(file, member.type, known), MemberLimit + 1);
+    return known[type.structName] = count;
+}
+
+void checkMembers(const Label_File& file, const Place& place) {
+    std::map<std::string, std::uint64_t> known;
+    std::uint64_t count = 0;
+    for (const Label& label : file.labels) {
+        count += membersBelow(file, label.type, known);
+        if (count <= MemberLimit) continue;
+        place.about("label", label.name).fail(label.line, "with its structures spelled out, the file has more than a "
+                                                          "million members up to here");
+    }
+}
+
 // Checks that need all structures: the type exists, the whole array fits below `limit`.
 void checkExtent(const Label_File& file, const Place& place, const Label& label, std::uint64_t limit,
                  const std::string& limitName) {
@@ -215,6 +238,7 @@ void checkWhole(const Label_File& file, const Place& place) {
     for (const Label& label : file.labels) {
         checkExtent(file, place.about("label", label.name), label, AddressSpace, "the 32-bit address space");
     }
+    checkMembers(file, place);
 }
 
 void readTarget(const Place& place, const Json_Node& root, Label_File& file) {

@@ -62,7 +62,8 @@ class File_Error : public std::runtime_error {
 
 // Reads and checks a whole file (JSON with // and /* */ comments). Throws File_Error for the first mistake: syntax,
 // unknown keys, missing keys, unknown types, views and structures, structures that contain themselves, bounds upside
-// down, radix outside 2 to 36, addresses beyond 32 bits, duplicate names, members outside their structure.
+// down, radix outside 2 to 36, addresses beyond 32 bits, duplicate names, members outside their structure, structures
+// that multiply to more than a million members.
 // A file whose name ends in .csv is read as Label_Csv.h describes.
 Label_File readLabelFile(const std::string& path);
 // The same for text in memory; `path` is only for messages.
@@ -89,9 +90,22 @@ struct Leaf {
     View view = View::Default;  // resolved: never Default
 };
 
+// What a walk may pass over without looking into it, however large it is. An empty function passes over nothing.
+struct Leaf_Filter {
+    std::function<bool(const Label&)> definition;   // is this elementary label or member wanted?
+    std::function<bool(const std::string&)> path;  // can a wanted one be this, or lie in it: "Motors", "Motors[2].Axis"?
+};
+
 // Calls `visit` for every elementary element in the file, in file order, arrays in row-major order. Stops when it
 // returns false.
-void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit);
+void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit,
+                 const Leaf_Filter& filter = Leaf_Filter());
+// Whether a label text is this path or leads on from it: "Motors[2].Speed" from "Motors" and "Motors[2]", not "Motor".
+bool leadsOnFrom(const std::string& path, const std::string& text);
+// The element of this label text.
+std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text);
+// For walks that keep what they find: throws File_Error when `held` elements are more than the tools keep in memory.
+void checkHeld(const Label_File& file, std::size_t held);
 
 }  // namespace vornex
 

@@ -49,12 +49,13 @@ std::string indexGroup(const Type_Ref& type, const std::vector<int>& indexes) {
 
 class Leaf_Walk {
 public:
-    Leaf_Walk(const Label_File& labelFile, const std::function<bool(const Leaf&)>& visitor)
-        : file(labelFile), visit(visitor) {}
+    Leaf_Walk(const Label_File& labelFile, const std::function<bool(const Leaf&)>& visitor,
+              const Leaf_Filter& leafFilter)
+        : file(labelFile), visit(visitor), filter(leafFilter) {}
 
     // False when the visitor had enough.
     bool walk(const Label& label, const std::string& prefix, std::uint32_t base) {
-        if (!hasLeaves(label.type)) return true;
+        if (!holdsWanted(label) || !mayLeadOn(prefix + label.name)) return true;
         const std::uint32_t step = elementBytes(file, label.type);
         std::uint32_t address = base + label.at;
         std::vector<int> indexes;
@@ -69,23 +70,26 @@ public:
 
 private:
     // Without this a large array of a structure that holds nothing would be walked in vain, for minutes.
-    bool hasLeaves(const Type_Ref& type) {
-        const auto found = file.structs.find(type.structName);
-        if (type.code != 12 || found == file.structs.end()) return type.code != 12;
-        const auto known = leavesIn.find(type.structName);
-        if (known != leavesIn.end()) return known->second;
+    bool holdsWanted(const Label& label) {
+        if (label.type.code != 12) return !filter.definition || filter.definition(label);
+        const auto found = file.structs.find(label.type.structName);
+        if (found == file.structs.end()) return false;
+        const auto known = wantedIn.find(label.type.structName);
+        if (known != wantedIn.end()) return known->second;
         const std::vector<Label>& members = found->second.members;
         const bool some =
-            std::any_of(members.begin(), members.end(), [this](const Label& member) { return hasLeaves(member.type); });
-        return leavesIn[type.structName] = some;
+            std::any_of(members.begin(), members.end(), [this](const Label& member) { return holdsWanted(member); });
+        return wantedIn[label.type.structName] = some;
     }
+
+    bool mayLeadOn(const std::string& path) const { return !filter.path || filter.path(path); }
 
     bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes) {
         if (label.type.code != 12) {
             return visit({text, &label, address, label.type.code, bytes, resolveView(label)});
         }
         const auto found = file.structs.find(label.type.structName);
-        if (found == file.structs.end()) return true;
+        if (found == file.structs.end() || !mayLeadOn(text)) return true;
         for (const Label& member : found->second.members) {
             if (!walk(member, text + ".", address)) return false;
         }
@@ -94,16 +98,39 @@ private:
 
     const Label_File& file;
     const std::function<bool(const Leaf&)>& visit;
-    std::map<std::string, bool> leavesIn;  // structures looked into so far
+    const Leaf_Filter& filter;
+    std::map<std::string, bool> wantedIn;  // structures looked into so far
 };
 
 }  // namespace
 
-void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit) {
-    Leaf_Walk walk(file, visit);
+void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit, const Leaf_Filter& filter) {
+    Leaf_Walk walk(file, visit, filter);
     for (const Label& label : file.labels) {
         if (!walk.walk(label, "", 0)) return;
     }
+}
+
+bool leadsOnFrom(const std::string& path, const std::string& text) {
+    if (text.compare(0, path.size(), path) != 0) return false;
+    return text.size() == path.size() || text[path.size()] == '.' || text[path.size()] == '[';
+}
+
+std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text) {
+    Leaf_Filter filter;
+    filter.path = [&text](const std::string& path) { return leadsOnFrom(path, text); };
+    std::optional<Leaf> found;
+    const auto take = [&](const Leaf& leaf) {
+        if (leaf.text == text) found = leaf;
+        return !found;
+    };
+    forEachLeaf(file, take, filter);
+    return found;
+}
+
+void checkHeld(const Label_File& file, std::size_t held) {
+    constexpr std::size_t Limit = 1000000;
+    if (held > Limit) throw File_Error(file.path + ": more than a million elements at once; name fewer of them");
 }
 
 }  // namespace vornex

@@ -80,6 +80,9 @@ int runVerb(const Verb& verb, const Common_Options& options) {
     } catch (const Tool_Error& error) {
         tool.out.error(error.what());
         return static_cast<int>(error.code);
+    } catch (const File_Error& mistake) {
+        tool.out.error(mistake.what());
+        return static_cast<int>(Exit_Code::Label);
     }
 }
 

@@ -1,19 +1,24 @@
 #include "Driver_Labels.h"
 
+#include <map>
+
 namespace vornex {
 
 namespace {
 
-Label_Type_Info structType(const Label_File& file, const std::string& name) {
-    const Struct_Type& type = file.structs.at(name);
-    Label_Type_Info info;
-    info.name = QString::fromUtf8(name.c_str());
-    info.typeFlags = static_cast<quint16>(StructTypeCode | LabelIsStructType);
-    info.address = type.size;
-    info.memberCount = static_cast<quint32>(type.members.size());
-    for (const Label& member : type.members) info.members.append(driverLabel(file, member));
-    return info;
-}
+// Makes the record of each structure once: all that use it share its members.
+class Definitions {
+public:
+    explicit Definitions(const Label_File& labelFile) : file(labelFile) {}
+
+    Label_Type_Info of(const Label& label);
+
+private:
+    const Label_Type_Info& structType(const std::string& name);
+
+    const Label_File& file;
+    std::map<std::string, Label_Type_Info> structTypes;
+};
 
 // Radix, then lowest index and end of each dimension: the end is one past the file's inclusive bound.
 QList<int> dimensionList(const Type_Ref& type) {
@@ -26,9 +31,20 @@ QList<int> dimensionList(const Type_Ref& type) {
     return list;
 }
 
-}  // namespace
+const Label_Type_Info& Definitions::structType(const std::string& name) {
+    const auto known = structTypes.find(name);
+    if (known != structTypes.end()) return known->second;
+    const Struct_Type& type = file.structs.at(name);
+    Label_Type_Info info;
+    info.name = QString::fromUtf8(name.c_str());
+    info.typeFlags = static_cast<quint16>(StructTypeCode | LabelIsStructType);
+    info.address = type.size;
+    info.memberCount = static_cast<quint32>(type.members.size());
+    for (const Label& member : type.members) info.members.append(of(member));
+    return structTypes[name] = info;
+}
 
-Label_Type_Info driverLabel(const Label_File& file, const Label& label) {
+Label_Type_Info Definitions::of(const Label& label) {
     Label_Type_Info info;
     info.name = QString::fromUtf8(label.name.c_str());
     info.typeFlags = static_cast<quint16>(label.type.code);
@@ -38,13 +54,16 @@ Label_Type_Info driverLabel(const Label_File& file, const Label& label) {
         info.dimensionCount = static_cast<quint32>(label.type.bounds.size());
         info.dimensions = dimensionList(label.type);
     }
-    if (label.type.code == StructTypeCode) info.elementType.append(structType(file, label.type.structName));
+    if (label.type.code == StructTypeCode) info.elementType.append(structType(label.type.structName));
     return info;
 }
 
+}  // namespace
+
 QList<Label_Type_Info> driverLabels(const Label_File& file) {
+    Definitions definitions(file);
     QList<Label_Type_Info> labels;
-    for (const Label& label : file.labels) labels.append(driverLabel(file, label));
+    for (const Label& label : file.labels) labels.append(definitions.of(label));
     return labels;
 }
 

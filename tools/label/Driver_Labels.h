@@ -10,7 +10,6 @@ namespace vornex {
 
 // Every label of the file, structures with their members to any depth. The file has been checked by its reader.
 QList<Label_Type_Info> driverLabels(const Label_File& file);
-Label_Type_Info driverLabel(const Label_File& file, const Label& label);
 
 }  // namespace vornex
 

@@ -18,7 +18,7 @@ enum class Exit_Code {
     Interrupted = 130,   // ended by Ctrl-C
 };
 
-// Ends the verb: the message is printed and the tool exits with the code.
+// Ends the verb: the message is printed and the tool exits with the code. So does a File_Error, with Label.
 class Tool_Error : public std::runtime_error {
 public:
     Tool_Error(Exit_Code exitCode, const std::string& message) : std::runtime_error(message), code(exitCode) {}

@@ -12,7 +12,8 @@ const std::size_t ValuesTold = 6;          // in a line of text
 }  // namespace
 
 Label_Names::Label_Names(const Label_File& file) {
-    forEachLeaf(file, [this](const Leaf& leaf) {
+    forEachLeaf(file, [&](const Leaf& leaf) {
+        checkHeld(file, entries.size() + 1);
         entries.push_back({leaf.address, leaf.bytes, leaf.view, leaf.text});
         return true;
     });

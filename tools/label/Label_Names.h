@@ -20,6 +20,7 @@ public:
     };
 
     Label_Names() = default;
+    // Throws File_Error for a file of too many elements.
     explicit Label_Names(const Label_File& file);
 
     // By address; those at one address in the order of the file.

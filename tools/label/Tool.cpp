@@ -17,11 +17,7 @@ Tool::Tool(const Common_Options& commonOptions)
 const Label_File& Tool::labels() {
     if (labelFile) return *labelFile;
     if (options.labelFile.empty()) throw Tool_Error(Exit_Code::Usage, "no label file: name one with -l FILE");
-    try {
-        labelFile = std::make_unique<Label_File>(readLabelFile(options.labelFile));
-    } catch (const File_Error& mistake) {
-        throw Tool_Error(Exit_Code::Label, mistake.what());
-    }
+    labelFile = std::make_unique<Label_File>(readLabelFile(options.labelFile));
     out.detail("label file " + options.labelFile + ": " + std::to_string(labelFile->labels.size()) + " labels");
     return *labelFile;
 }

@@ -16,7 +16,7 @@ class Tool {
 public:
     explicit Tool(const Common_Options& commonOptions);
 
-    // The label file of -l. Throws Tool_Error: Usage without -l, Label for a mistake in the file.
+    // The label file of -l. Throws Tool_Error Usage without -l, File_Error for a mistake in the file.
     const Label_File& labels();
     // The same, but an empty file without -l: for verbs that can do without labels.
     const Label_File& labelsIfAny();

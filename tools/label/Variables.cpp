@@ -20,12 +20,6 @@ Variable variableOf(const Leaf& leaf) {
 
 bool isGlob(const std::string& text) { return text.find_first_of("*?") != std::string::npos; }
 
-// Whether `leaf` is the argument itself or lies within it.
-bool isWithin(const std::string& argument, const std::string& leaf) {
-    if (leaf.compare(0, argument.size(), argument) != 0) return false;
-    return leaf.size() == argument.size() || leaf[argument.size()] == '.' || leaf[argument.size()] == '[';
-}
-
 // The glob may match the element, or a structure or array that it lies in: 'Motors[*]' stands for all their members.
 bool globCovers(const std::string& pattern, const std::string& leaf) {
     if (globMatches(pattern, leaf)) return true;
@@ -38,14 +32,24 @@ bool globCovers(const std::string& pattern, const std::string& leaf) {
 // Collects what each argument matches in one walk over the file. A run is what lies in one array without a gap.
 class Selection {
 public:
-    explicit Selection(const std::vector<std::string>& texts)
-        : arguments(texts), found(texts.size()), runStart(texts.size(), 0) {}
+    Selection(const Label_File& labelFile, const std::vector<std::string>& texts)
+        : file(labelFile), arguments(texts), found(texts.size()), runStart(texts.size(), 0) {}
+
+    // Whether what an argument matches can be at this path or in it.
+    bool mayLieIn(const std::string& path) const {
+        return std::any_of(arguments.begin(), arguments.end(), [&path](const std::string& argument) {
+            const std::string literal = argument.substr(0, argument.find_first_of("*?"));
+            if (isGlob(argument) && path.compare(0, literal.size(), literal, 0, path.size()) == 0) return true;
+            return leadsOnFrom(path, argument) || leadsOnFrom(argument, path);
+        });
+    }
 
     void take(const Leaf& leaf) {
         if (leaf.definition != runDefinition || leaf.address != runEnd) endRun();
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             const std::string& argument = arguments[i];
-            if (isGlob(argument) ? globCovers(argument, leaf.text) : isWithin(argument, leaf.text)) {
+            if (isGlob(argument) ? globCovers(argument, leaf.text) : leadsOnFrom(argument, leaf.text)) {
+                checkHeld(file, ++held);
                 found[i].push_back(variableOf(leaf));
             }
         }
@@ -66,7 +70,9 @@ public:
     std::vector<Variable>& at(std::size_t i) { return found[i]; }
 
 private:
+    const Label_File& file;
     const std::vector<std::string>& arguments;
+    std::size_t held = 0;
     std::vector<std::vector<Variable>> found;
     std::vector<std::size_t> runStart;  // the first variable of the present run
     const Label* runDefinition = nullptr;
@@ -86,13 +92,16 @@ Variable resolveSpelling(Session& session, const Label_File& file, const std::st
     const std::string path = pathOf(argument);
     std::optional<Variable> variable;
     std::uint64_t end = 0;
-    forEachLeaf(file, [&](const Leaf& leaf) {
+    const auto take = [&](const Leaf& leaf) {
         if (!variable && leaf.address == *address && pathOf(leaf.text) == path) variable = variableOf(leaf);
         if (!variable) return true;
         if (end != 0 && (leaf.address != end || pathOf(leaf.text) != path)) return false;
         end = std::uint64_t(leaf.address) + leaf.bytes;
         return true;
-    });
+    };
+    Leaf_Filter filter;
+    filter.path = [&path](const std::string& part) { return leadsOnFrom(pathOf(part), path); };
+    forEachLeaf(file, take, filter);
     if (!variable) noSuchLabel(file, argument);
     variable->elements = static_cast<std::uint32_t>((end - variable->address) / variable->bytes);
     variable->range.label = argument;
@@ -113,11 +122,14 @@ void useDriverAddress(Session& session, const Label_File& file, Variable& variab
 
 std::vector<Variable> findVariables(Session& session, const Label_File& file, const std::vector<std::string>& arguments,
                                     int index) {
-    Selection selection(arguments);
-    forEachLeaf(file, [&selection](const Leaf& leaf) {
+    Selection selection(file, arguments);
+    Leaf_Filter filter;
+    filter.path = [&selection](const std::string& path) { return selection.mayLieIn(path); };
+    const auto take = [&selection](const Leaf& leaf) {
         selection.take(leaf);
         return true;
-    });
+    };
+    forEachLeaf(file, take, filter);
     selection.endRun();
     std::vector<Variable> variables;
     for (std::size_t i = 0; i < arguments.size(); ++i) {

@@ -20,12 +20,7 @@ namespace {
 
 // The file that an argument names, or that of -l.
 Label_File fileOf(Tool& tool, const std::string& argument) {
-    if (argument.empty()) return tool.labels();
-    try {
-        return readLabelFile(argument);
-    } catch (const File_Error& mistake) {
-        throw Tool_Error(Exit_Code::Label, mistake.what());
-    }
+    return argument.empty() ? tool.labels() : readLabelFile(argument);
 }
 
 bool endsWith(const std::string& text, const std::string& end) {

@@ -10,7 +10,7 @@ namespace vornex::sim {
 namespace {
 
 constexpr std::uint32_t LargestElement = 255;
-constexpr std::size_t MovingLimit = 1000000;
+constexpr std::size_t MotionLimit = 1000000;
 
 }  // namespace
 
@@ -36,23 +36,30 @@ Plant::Plant(Label_File labels, const Pattern& patternMode, std::uint64_t noiseS
     : file(std::move(labels)), pattern(patternMode), seed(noiseSeed) {
     std::map<const Label*, std::uint64_t> elements;
     if (!isPattern()) {
-        forEachLeaf(file, [&](const Leaf& leaf) {
-            if (!leaf.definition->sim.empty()) addMotion(leaf, elements[leaf.definition]++);
+        Leaf_Filter filter;
+        filter.definition = [](const Label& definition) { return !definition.sim.empty(); };
+        std::size_t motions = 0;
+        const auto take = [&](const Leaf& leaf) {
+            if (++motions > MotionLimit) throw File_Error(placeOf(leaf) + "more than a million elements with a motion");
+            addMotion(leaf, elements[leaf.definition]++);
             return true;
-        });
+        };
+        forEachLeaf(file, take, filter);
     }
     std::stable_sort(moving.begin(), moving.end(),
                      [](const Moving& a, const Moving& b) { return a.address < b.address; });
 }
 
+std::string Plant::placeOf(const Leaf& leaf) const {
+    return file.path + ":" + std::to_string(leaf.definition->line) + ": label '" + leaf.text + "': sim: ";
+}
+
 void Plant::addMotion(const Leaf& leaf, std::uint64_t element) {
-    const std::string place =
-        file.path + ":" + std::to_string(leaf.definition->line) + ": label '" + leaf.text + "': sim: ";
     Motion motion;
     try {
         motion = parseMotion(leaf.definition->sim, leaf.view, leaf.bytes);
     } catch (const std::invalid_argument& error) {
-        throw File_Error(place + error.what());
+        throw File_Error(placeOf(leaf) + error.what());
     }
     if (motion.kind == Motion::Kind::Const) {
         const bool isText = leaf.view == View::Text;
@@ -60,7 +67,6 @@ void Plant::addMotion(const Leaf& leaf, std::uint64_t element) {
                                           : encodeNumber(motion.low, leaf.view, leaf.bytes));
         return;
     }
-    if (moving.size() >= MovingLimit) throw File_Error(place + "more than a million elements move");
     moving.push_back({leaf.address, leaf.bytes, leaf.view, motion, element});
 }
 
@@ -112,15 +118,6 @@ std::size_t Plant::write(std::uint32_t address, const Bytes& bytes, double now) 
         first, last, [&](const Moving& value) { return std::uint64_t(value.address) + value.bytes > address; });
     moving.erase(stopped, last);
     return bytes.size() - memory.write(address, bytes);
-}
-
-std::optional<Leaf> Plant::find(const std::string& label) const {
-    std::optional<Leaf> found;
-    forEachLeaf(file, [&](const Leaf& leaf) {
-        if (leaf.text == label) found = leaf;
-        return !found;
-    });
-    return found;
 }
 
 }  // namespace vornex::sim

@@ -43,8 +43,8 @@ public:
 
     // Bytes as a read would show them, without going on to the next generation.
     Bytes peek(std::uint32_t address, std::size_t bytes, double now);
-    // The element of this label text. Walks the whole file: for people, not for requests.
-    std::optional<Leaf> find(const std::string& label) const;
+    // The element of this label text. For people, not for requests: it is searched for in the file.
+    std::optional<Leaf> find(const std::string& label) const { return findLeaf(file, label); }
 
     std::uint64_t generationAt(double now) const;
     bool isPattern() const { return pattern.step != Pattern::Step::Off; }
@@ -57,6 +57,7 @@ private:
         Motion motion;
         std::uint64_t element;  // of its label or member, from 0
     };
+    std::string placeOf(const Leaf& leaf) const;
     void addMotion(const Leaf& leaf, std::uint64_t element);
     void move(std::uint32_t address, std::size_t bytes, double now);
     std::size_t firstMoving(std::uint32_t address) const;
