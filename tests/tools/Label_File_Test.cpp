@@ -122,7 +122,8 @@ TEST(Label_File, readsCommentsKeysAndLines) {
 TEST(Label_File, aPathThatCannotBeReadIsNamed) {
     const std::pair<const char*, const char*> rows[] = {
         {"no/such/file.json", "no/such/file.json: cannot be read: No such file or directory"},
-        {EXAMPLES_DIR, EXAMPLES_DIR ": is a folder, not a label file"},
+        {"/dev/zero", "/dev/zero: has more than 64 MiB"},
+        {EXAMPLES_DIR, EXAMPLES_DIR ": is a folder, not a file"},
     };
     for (const auto& row : rows) {
         try {

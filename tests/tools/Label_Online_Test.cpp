@@ -157,6 +157,33 @@ TEST(Online, aRecordedLinkReplaysEqualAndABentOneDoesNot) {
     EXPECT_EQ(run("replay " + record).code, 1);  // cut in the middle of a line
 }
 
+TEST(Online, aForgedRecordIsRefusedWithItsLine) {
+    const char start[] = "{\"event\":\"start\",\"version\":1,\"labels\":\"\",\"text\":\"\",\"maxBytes\":1,\"retries\":0}\n";
+    const struct {
+        const char* lines;
+        const char* reason;
+    } rows[] = {
+        {"{\"event\":\"idle\"}", ":1: the record does not begin with its start"},
+        {"{\"event\":\"start\",\"version\":2}", ":1: \"version\" is not a whole number from 1 to 1"},
+        {"{\"event\":\"start\",\"version\":1,\"maxBytes\":0,\"retries\":0}", "\"maxBytes\" is not a whole number from 1"},
+        {"+{\"event\":\"jump\"}", ":2: unknown event 'jump'"},
+        {"+{\"event\":\"frame\"}", ":2: "},
+        {"+{\"event\":\"reply\",\"reply\":\"0\",\"shifted\":false,\"status\":1}", ":2: "},
+        {"+{\"event\":\"reply\",\"reply\":\"\",\"shifted\":false,\"status\":1e300}", "\"status\" is not a whole number"},
+        {"+{\"event\":\"memory\",\"type\":1,\"address\":4294967296}", "\"address\" is not a whole number from 0"},
+        {"+{\"event\":\"poll\",\"labels\":[[\"A\",\"0\",1,8000000]]}", ":2: \"labels\" need more than 100000 requests"},
+        {"+[[[[", ":2: "},
+    };
+    const std::string record = std::string(WORK_DIR) + "/forged.jsonl";
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.lines);
+        std::ofstream(record) << (row.lines[0] == '+' ? start + std::string(row.lines + 1) : row.lines) << "\n";
+        const Outcome outcome = run("replay " + record);
+        EXPECT_EQ(outcome.code, 1);
+        EXPECT_TRUE(outcome.holds(row.reason)) << outcome.text;
+    }
+}
+
 TEST(Online, ctrlCEndsAWatchWithItsSummary) {
     Sim_Process sim({"-l", PLANT, "-q"});
     const Outcome outcome = run("watch Setpoint -i 86400000" + on(sim.port()), [](const std::string& line, pid_t process) {

@@ -2,16 +2,12 @@
 #include "Label_File.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <initializer_list>
 #include <set>
-#include <sstream>
 
 #include "Label_Csv.h"
 #include "Label_Tree.h"
+#include "Text_Input.h"
 
 namespace vornex {
 namespace {
@@ -280,15 +276,10 @@ Label_File parseLabelFile(const std::string& text, const std::string& path) {
 }
 
 Label_File readLabelFile(const std::string& path) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) throw File_Error(path + ": is a folder, not a label file");
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) throw File_Error(path + ": cannot be read: " + std::strerror(errno));
-    std::ostringstream text;
-    text << stream.rdbuf();
+    const std::string text = wholeText(path);
     const std::size_t dot = path.rfind('.');
     const bool isCsv = dot != std::string::npos && (path.substr(dot) == ".csv" || path.substr(dot) == ".CSV");
-    return isCsv ? parseLabelCsv(text.str(), path) : parseLabelFile(text.str(), path);
+    return isCsv ? parseLabelCsv(text, path) : parseLabelFile(text, path);
 }
 
 }  // namespace vornex

@@ -2,11 +2,6 @@
 
 namespace vornex {
 
-namespace {
-// A read item carries 16 bits of length, and the reply's check value covers at most 65,535 bytes.
-const int LongestRequest = 65000;
-}  // namespace
-
 std::vector<Option> commonOptions(Common_Options& values) {
     return {
         Option("-t,--target", "HOST:PORT", "The controller; without it the label file's \"target\".", &values.target),

@@ -9,6 +9,9 @@
 
 namespace vornex {
 
+// A read item carries 16 bits of length, and the reply's check value covers at most 65,535 bytes.
+constexpr int LongestRequest = 65000;
+
 struct Common_Options {
     std::string target;     // "host:port"; empty: the label file's
     std::string labelFile;

@@ -6,6 +6,8 @@ namespace vornex {
 
 namespace {
 
+const int WritesGoToController = 2;
+
 // Makes the record of each structure once: all that use it share its members.
 class Definitions {
 public:
@@ -59,6 +61,20 @@ Label_Type_Info Definitions::of(const Label& label) {
 }
 
 }  // namespace
+
+const char MemoryLabel[] = "@memory";
+
+QString driverText(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<int>(text.size())); }
+
+int hostCount(int code, std::uint32_t bytes) {
+    return static_cast<int>(code >= 3 && code <= 9 ? bytes / 2 : bytes);
+}
+
+void setUpComInfo(ComInfo& comInfo, int maxBytes, int retries) {
+    comInfo.maxBytesPerRequest = maxBytes;
+    comInfo.retryLimit = retries;
+    comInfo.writeMode = WritesGoToController;
+}
 
 QList<Label_Type_Info> driverLabels(const Label_File& file) {
     Definitions definitions(file);

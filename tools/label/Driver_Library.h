@@ -9,18 +9,8 @@
 
 namespace vornex {
 
-// Loaded once and never unloaded: the driver is one global object, and its threads of use end with the process.
-class Driver_Library {
-public:
-    // Loads `file`, or without one searches: the build tree beside the tool, the installed place beside the tool, then
-    // the loader's path. Throws Tool_Error Library that names the file and the reason, or every missing entry point.
-    explicit Driver_Library(const std::string& file);
-
-    const std::string& path() const { return loadedPath; }  // as the loader found it
-    void* symbol(const char* name) const;                   // null when the library has none
-    static std::vector<std::string> entryPointNames();
-
-    // The entry points, with the contracts of Entry_Points.h.
+// The entry points, with the contracts of Entry_Points.h.
+struct Driver_Entry_Points {
     decltype(&::SetComInfo) SetComInfo = nullptr;
     decltype(&::RegistCallBackFuncIntf) RegistCallBackFuncIntf = nullptr;
     decltype(&::FlashLocalRegister) FlashLocalRegister = nullptr;
@@ -38,6 +28,18 @@ public:
     decltype(&::GetRegisterData) GetRegisterData = nullptr;
     decltype(&::SetRegisterData) SetRegisterData = nullptr;
     decltype(&::customMessageHandler) customMessageHandler = nullptr;
+};
+
+// Loaded once and never unloaded: the driver is one global object, and its threads of use end with the process.
+class Driver_Library : public Driver_Entry_Points {
+public:
+    // Loads `file`, or without one searches: the build tree beside the tool, the installed place beside the tool, then
+    // the loader's path. Throws Tool_Error Library that names the file and the reason, or every missing entry point.
+    explicit Driver_Library(const std::string& file);
+
+    const std::string& path() const { return loadedPath; }  // as the loader found it
+    void* symbol(const char* name) const;                   // null when the library has none
+    static std::vector<std::string> entryPointNames();
 
 private:
     void open(const std::string& file);

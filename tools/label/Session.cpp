@@ -1,7 +1,5 @@
 #include "Session.h"
 
-#include "Driver_Labels.h"
-
 namespace vornex {
 
 namespace {
@@ -9,7 +7,6 @@ namespace {
 // The notify callback carries no context; the driver is one object, and so is its session.
 Session* runningSession = nullptr;
 
-const int WritesGoToController = 2;
 const int NotResolvedMark = 77;  // any value that AddListOnceReadVar does not leave in remoteStore
 
 HOST_VAR hostVariable(const Label_Range& range) {
@@ -23,23 +20,9 @@ HOST_VAR hostVariable(const Label_Range& range) {
 
 }  // namespace
 
-const char Session::MemoryLabel[] = "@memory";
-
-QString driverText(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<int>(text.size())); }
-
-int hostCount(int code, std::uint32_t bytes) {
-    return static_cast<int>(code >= 3 && code <= 9 ? bytes / 2 : bytes);
-}
-
-void setUpComInfo(ComInfo& comInfo, const Common_Options& options) {
-    comInfo.maxBytesPerRequest = options.maxBytes;
-    comInfo.retryLimit = options.retries;
-    comInfo.writeMode = WritesGoToController;
-}
-
 Session::Session(Tool& userTool) : tool(userTool), library(userTool.driver()) {
     const Label_File& file = tool.labelsIfAny();
-    setUpComInfo(comInfo, tool.options);
+    setUpComInfo(comInfo, tool.options.maxBytes, tool.options.retries);
     library.SetComInfo(&comInfo);
     library.RegistCallBackFuncIntf(&Session::notify, nullptr);
     QList<Label_Type_Info> labels = driverLabels(file);

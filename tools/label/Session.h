@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Driver_Labels.h"
 #include "Exchange_Thread.h"
 #include "Tool.h"
 
@@ -70,8 +71,6 @@ public:
     const std::string& target() const { return targetText; }
     const Driver_Library& driver() const { return library; }
 
-    static const char MemoryLabel[];
-
 private:
     static void notify(int hostHandle, int varType, int varId, int state);
     void findTarget();
@@ -86,12 +85,6 @@ private:
     std::vector<Call_Observer*> callObservers;
     std::unique_ptr<Exchange_Thread> exchange;
 };
-
-// The host's count for a run of bytes: bytes for type codes 1, 2, 10 and 11, 16-bit words for the others.
-int hostCount(int code, std::uint32_t bytes);
-// The settings record as the tool sets it up.
-void setUpComInfo(ComInfo& comInfo, const Common_Options& options);
-QString driverText(const std::string& text);
 
 }  // namespace vornex
 

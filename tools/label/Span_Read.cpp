@@ -18,7 +18,7 @@ const std::uint64_t GapReadAlong = 16;
 std::uint64_t longestSpan(int maxBytes) { return PiecesOfSpan * static_cast<std::uint64_t>(maxBytes); }
 
 int start(Session& session, const Span& span) {
-    if (span.range.label == Session::MemoryLabel) session.setMemoryLabel(span.address, span.range.code);
+    if (span.range.label == MemoryLabel) session.setMemoryLabel(span.address, span.range.code);
     return session.startRead(span.range);
 }
 
@@ -33,7 +33,7 @@ void addMemorySpans(std::vector<Span>& spans, std::uint32_t address, std::uint64
     for (std::uint64_t done = 0; done < bytes; done += longest) {
         Span span;
         span.address = static_cast<std::uint32_t>(address + done);
-        span.range = {Session::MemoryLabel, 0, 1, static_cast<std::uint32_t>(std::min(longest, bytes - done))};
+        span.range = {MemoryLabel, 0, 1, static_cast<std::uint32_t>(std::min(longest, bytes - done))};
         spans.push_back(span);
     }
 }

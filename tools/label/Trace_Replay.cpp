@@ -1,9 +1,7 @@
 // The trace for replay: one JSON object a line, with everything that the driver was told and what it answered.
 #include "Trace.h"
 
-#include <fstream>
-#include <iterator>
-
+#include "../common/Text_Input.h"
 #include "Value_View.h"
 
 namespace vornex {
@@ -23,16 +21,12 @@ std::string hostText(const QString& text) {
     return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
-std::string wholeFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
 class Replay_Trace : public Trace {
 public:
     Replay_Trace(const std::string& name, Tool& tool) : out(name) {
-        put(Row().add("event", "start").add("version", 1).add("labels", tool.options.labelFile)
-                .add("text", wholeFile(tool.options.labelFile)).add("maxBytes", tool.options.maxBytes)
+        const std::string& labels = tool.options.labelFile;
+        put(Row().add("event", "start").add("version", 1).add("labels", labels)
+                .add("text", labels.empty() ? "" : wholeText(labels)).add("maxBytes", tool.options.maxBytes)
                 .add("retries", tool.options.retries));
     }
 

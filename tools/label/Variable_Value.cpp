@@ -1,9 +1,8 @@
 #include "Variable_Value.h"
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
+#include "../common/Text_Input.h"
 #include "Value_View.h"
 
 namespace vornex {
@@ -11,9 +10,11 @@ namespace vornex {
 namespace {
 
 std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::invalid_argument("file '" + path + "' cannot be read");
-    return std::string(std::istreambuf_iterator<char>(file), {});
+    try {
+        return wholeText(path);
+    } catch (const File_Error& mistake) {
+        throw std::invalid_argument(mistake.what());
+    }
 }
 
 // Ends the run with the array; says by how much it would not fit.

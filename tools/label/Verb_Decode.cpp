@@ -5,6 +5,7 @@
 #include <iterator>
 #include <memory>
 
+#include "../common/Text_Input.h"
 #include "Check_Value.h"
 #include "Frame_View.h"
 #include "Label_Names.h"
@@ -247,29 +248,39 @@ std::vector<std::string> joined(const std::vector<std::string>& arguments) {
     return {all};
 }
 
-std::vector<std::string> linesOfInput() {
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(std::cin, line);) {
-        if (!line.empty()) lines.push_back(line);
+bool decodeArguments(Decoder& decoder, const std::vector<std::string>& arguments) {
+    std::vector<std::string> pieces;
+    for (const std::string& text : joined(arguments))
+        pieces.push_back(bytesOfHex(text));
+    bool good = true;
+    for (const std::string& piece : pieces)
+        good = decoder.decode(piece) && good;
+    return good;
+}
+
+// Each piece as it comes, so that a pipe from a running capture shows at once.
+bool decodeInput(Decoder& decoder) {
+    bool good = true;
+    int number = 1;
+    try {
+        for (std::string line; nextLine(std::cin, line); ++number) {
+            if (!trimmed(line).empty()) good = decoder.decode(bytesOfHex(line)) && good;
+        }
+    } catch (const std::invalid_argument& mistake) {
+        throw std::invalid_argument("standard input:" + std::to_string(number) + ": " + mistake.what());
     }
-    return lines;
+    return good;
 }
 
 Exit_Code runDecode(Tool& tool, const std::vector<std::string>& arguments) {
     const bool fromInput = arguments.size() == 1 && arguments[0] == "-";
-    std::vector<std::string> pieces;
-    for (const std::string& text : fromInput ? linesOfInput() : joined(arguments)) {
-        try {
-            pieces.push_back(bytesOfHex(text));
-        } catch (const std::invalid_argument& mistake) {
-            throw Tool_Error(Exit_Code::Usage, mistake.what());
-        }
-    }
     Decoder decoder(tool);
-    bool good = true;
-    for (const std::string& piece : pieces)
-        good = decoder.decode(piece) && good;
-    return good ? Exit_Code::Ok : Exit_Code::VerifyMismatch;
+    try {
+        const bool good = fromInput ? decodeInput(decoder) : decodeArguments(decoder, arguments);
+        return good ? Exit_Code::Ok : Exit_Code::VerifyMismatch;
+    } catch (const std::invalid_argument& mistake) {
+        throw Tool_Error(Exit_Code::Usage, mistake.what());
+    }
 }
 
 }  // namespace

@@ -70,7 +70,7 @@ int startPiece(Session& session, const Write_Plan& plan, std::size_t offset, std
     Label_Range range = plan.variable.range;
     range.bytes = static_cast<std::uint32_t>(length);
     if (offset > 0) {
-        range.label = Session::MemoryLabel;
+        range.label = MemoryLabel;
         session.setMemoryLabel(static_cast<std::uint32_t>(plan.variable.address + offset), range.code);
     }
     return session.startWrite(range, hostLayout(range.code, plan.bytes.substr(offset, length)));

@@ -1,0 +1,150 @@
+#include "Trace_Player.h"
+
+#include <limits>
+#include <stdexcept>
+
+#include <nlohmann/json.hpp>
+
+#include "Common_Options.h"
+#include "Driver_Labels.h"
+#include "Exchange.h"
+#include "Value_View.h"
+
+namespace vornex {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// A record of this tool stays far below these: they keep a forged one from taking all memory.
+const std::int64_t MostRequests = 100000;       // of one poll list after packing
+const std::int64_t MostUnits = 8 * 1024 * 1024;  // of one variable, in the host's counts
+
+// The whole number of a key or in a list. Throws std::invalid_argument when it is none or not from `low` to `high`.
+std::int64_t numberIn(const Json& value, const std::string& name, std::int64_t low, std::int64_t high) {
+    const bool fits = value.is_number_unsigned()
+                          ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
+                          : value.is_number_integer();
+    if (fits && value.get<std::int64_t>() >= low && value.get<std::int64_t>() <= high) return value.get<std::int64_t>();
+    throw std::invalid_argument("\"" + name + "\" is not a whole number from " + std::to_string(low) + " to " +
+                                std::to_string(high));
+}
+
+int intOf(const Json& event, const char* key, std::int64_t low = std::numeric_limits<int>::min(),
+          std::int64_t high = std::numeric_limits<int>::max()) {
+    return static_cast<int>(numberIn(event.at(key), key, low, high));
+}
+
+QString textOf(const Json& event, const char* key) { return driverText(event.at(key).get<std::string>()); }
+
+std::string frameHex(const Protocol* protocol) {
+    if (!protocol) return "nothing to send";
+    return hexBytes(std::string(protocol->frame.constData(), static_cast<std::size_t>(protocol->frameLength)));
+}
+
+}  // namespace
+
+void Trace_Player::start(const Json& event) {
+    intOf(event, "version", 1, 1);
+    setUpComInfo(comInfo, intOf(event, "maxBytes", 1, LongestRequest), intOf(event, "retries", 0, 1000));
+    driver.SetComInfo(&comInfo);
+    const std::string text = event.at("text");
+    if (!text.empty()) passLabels(driverLabels(parseLabelFile(text, event.at("labels"))));
+    started = true;
+}
+
+void Trace_Player::memory(const Json& event) {
+    Label_Type_Info info;
+    info.name = MemoryLabel;
+    info.typeFlags = static_cast<quint16>(intOf(event, "type", 0, 65535));
+    info.address =
+        static_cast<quint32>(numberIn(event.at("address"), "address", 0, std::numeric_limits<quint32>::max()));
+    QList<Label_Type_Info> labels;
+    labels.append(info);
+    passLabels(labels);
+}
+
+void Trace_Player::poll(const Json& event) {
+    QList<HOST_VAR> definitions;
+    std::int64_t requests = 0;
+    for (const Json& label : event.at("labels")) {
+        HOST_VAR variable;
+        variable.label = driverText(label.at(0).get<std::string>());
+        variable.labelIndex = driverText(label.at(1).get<std::string>());
+        variable.dataType = static_cast<quint8>(numberIn(label.at(2), "labels", 0, 255));
+        variable.count = static_cast<int>(numberIn(label.at(3), "labels", 0, MostUnits));
+        requests += 1 + 2 * variable.count / comInfo.maxBytesPerRequest;
+        if (requests > MostRequests) throw std::invalid_argument("\"labels\" need more than 100000 requests");
+        definitions.append(variable);
+    }
+    driver.ReCreatReadVarList(&definitions);
+}
+
+void Trace_Player::read(const Json& event) {
+    RW_VAR request;
+    request.label = textOf(event, "label");
+    request.labelIndex = textOf(event, "index");
+    request.varType = request.dataType = intOf(event, "type");
+    request.varId = intOf(event, "id");
+    request.length = intOf(event, "length", 0, 2 * MostUnits);
+    driver.AddListOnceReadVar(&request);
+}
+
+void Trace_Player::write(const Json& event) {
+    const std::string bytes = bytesOfHex(event.at("data"));
+    QByteArray data(bytes.data(), static_cast<int>(bytes.size()));
+    const int type = intOf(event, "type");
+    driver.SetRegisterData(textOf(event, "label"), type, textOf(event, "index"), 0, &data,
+                           intOf(event, "count", 0, MostUnits), type, intOf(event, "id"));
+}
+
+void Trace_Player::frame(const Json& event) {
+    const std::string recorded = hexBytes(bytesOfHex(event.at("frame")));
+    const std::string now = frameHex(driver.ComCommunication());
+    if (recorded != now) throw Trace_Difference{"frame " + recorded, now};
+    ++frames;
+}
+
+void Trace_Player::idle() {
+    const Protocol* const protocol = driver.ComCommunication();
+    if (protocol) throw Trace_Difference{"nothing to send", "frame " + frameHex(protocol)};
+}
+
+void Trace_Player::reply(const Json& event) {
+    Exchange exchange;
+    exchange.transfer.reply = bytesOfHex(event.at("reply"));
+    exchange.countsDiffer = event.at("shifted");
+    QByteArray bytes;
+    int length = 0;
+    handOver(exchange, bytes, length);
+    const int recorded = intOf(event, "status");
+    const int now = driver.DataCom(&bytes, length)->status;
+    if (recorded != now) throw Trace_Difference{"result " + std::to_string(recorded), "result " + std::to_string(now)};
+}
+
+void Trace_Player::playEvent(const Json& event) {
+    const std::string kind = event.at("event");
+    if (kind == "start") return start(event);
+    if (!started) throw std::invalid_argument("the record does not begin with its start");
+    if (kind == "frame") return frame(event);
+    if (kind == "reply") return reply(event);
+    if (kind == "idle") return idle();
+    if (kind == "link") return;
+    ++calls;
+    if (kind == "poll") return poll(event);
+    if (kind == "read") return read(event);
+    if (kind == "write") return write(event);
+    if (kind == "memory") return memory(event);
+    throw std::invalid_argument("unknown event '" + kind + "'");
+}
+
+void Trace_Player::play(const std::string& line) {
+    if (trimmed(line).empty()) return;
+    try {
+        playEvent(Json::parse(line));
+    } catch (const Json::exception& mistake) {
+        throw std::invalid_argument(mistake.what());
+    }
+}
+
+}  // namespace vornex
