@@ -1,28 +1,73 @@
 // Sequences over the entry points: rebuilds while a read is in flight, station switches, give-ups, remote area, full
 // queues. A model beside the driver says what the image, the write queue and the notices must be after each step.
+#include <algorithm>
+#include <vector>
+
 #include "Driver_Records.h"
 #include "Fuzz_Input.h"
 
 namespace {
-
-typedef QHash<unsigned int, unsigned char> Image;
 
 // In the input: begin with an almost full write queue. Costly, hence hard to stumble on.
 const quint32 QueueFiller = 0x4C4C5546;
 
 // The labels, all known to the model: name, type code, address, host units in one element.
 struct Known_Label {
-    const char* name;
+    QString name;
+    QString nameInTemplate;  // with index 2
     int typeCode;
     quint32 address;
     int elementBytes;
 };
-const Known_Label Labels[] = {{"V", 5, 0x100, 4}, {"W", 3, 0x1000, 2}, {"Q", 8, 0xFFFFFFF8, 8}, {"B[2]", 1, 0x402, 1}};
+const Known_Label Labels[] = {{text("V"), text("V"), 5, 0x100, 4},
+                              {text("W"), text("W"), 3, 0x1000, 2},
+                              {text("Q"), text("Q"), 8, 0xFFFFFFF8, 8},
+                              {text("B[2]"), text("B[%%]"), 1, 0x402, 1}};
 
 int bytesOf(const Known_Label& label, int count) {
     const int units = label.elementBytes == 1 ? 1 : label.elementBytes / 2;  // host units in an element
     return (count + units - 1) / units * label.elementBytes;
 }
+
+// What the driver's image must hold. The labels lie close together, from 8 below address 0 on, so that a plain array
+// does: a hash as the driver's own would take half of the fuzzer's time.
+class Image_Model {
+public:
+    Image_Model() { std::fill_n(bytes, Size, -1); }
+
+    void store(quint32 address, const QByteArray& data) {
+        for (int i = 0; i < data.size(); ++i)
+            set(address + static_cast<quint32>(i), static_cast<unsigned char>(data.at(i)));
+    }
+    // A byte that was never stored shows as 0, and is in the image from then on.
+    unsigned show(quint32 address) {
+        short& byte = slot(address);
+        if (byte < 0) set(address, 0);
+        return static_cast<unsigned>(byte);
+    }
+    bool equals(const QHash<unsigned int, unsigned char>& image) {
+        for (auto byte = image.constBegin(); byte != image.constEnd(); ++byte)
+            if (slot(byte.key()) != byte.value()) return false;
+        return image.size() == known;
+    }
+
+private:
+    enum { Size = 0x1800, First = -8 };
+
+    short& slot(quint32 address) {
+        const quint32 at = address - static_cast<quint32>(First);
+        REQUIRE(at < Size);
+        return bytes[at];
+    }
+    void set(quint32 address, unsigned char value) {
+        short& byte = slot(address);
+        known += byte < 0 ? 1 : 0;
+        byte = value;
+    }
+
+    short bytes[Size];  // -1: not in the image
+    int known = 0;
+};
 
 struct Model_Write {
     quint32 address;
@@ -31,9 +76,9 @@ struct Model_Write {
     int station;
 };
 
-QList<int> notices;  // varId and state of each write's notice, one after the other
+std::vector<int> notices;  // since the last step: varId and state of each write's notice, one after the other
 void onNotify(int, int varType, int varId, int state) {
-    if (varType == 3) notices << varId << state;
+    if (varType == 3) notices.insert(notices.end(), {varId, state});
 }
 void onFailure(QList<RW_VAR>*, int, int) {}
 
@@ -47,8 +92,6 @@ quint32 wordAt(const QByteArray& bytes, int at) {
 class Run {
 public:
     explicit Run(Fuzz_Input& bytes) : input(bytes) {
-        forgetEverything();
-        notices.clear();
         SetComInfo(&settings);
         RegistCallBackFuncIntf(onNotify, onFailure);
         settings.localAreaId = LocalArea;
@@ -60,14 +103,18 @@ public:
         if (input.take32() == QueueFiller) fillQueue();
     }
 
+    ~Run() { forgetEverything(); }
+
     void steps() {
         while (!input.isEmpty()) {
             step(input.below(16));
             REQUIRE(PLC_driver.writeList.size() <= QueueLimit && PLC_driver.onceReadList.size() <= QueueLimit);
             REQUIRE(PLC_driver.writeBurst <= 5 && PLC_driver.onceReadBurst <= 5);
             REQUIRE(notices == expectedNotices);
+            notices.clear();
+            expectedNotices.clear();
         }
-        REQUIRE(PLC_driver.dataImage == image);
+        REQUIRE(image.equals(PLC_driver.dataImage));
     }
 
 private:
@@ -101,14 +148,14 @@ private:
 
     void write() {
         const Known_Label& label = Labels[input.below(4)];
-        const int count = input.below(64) == 0 ? 400 + input.below(200) : input.below(9);
+        const int count = input.below(256) == 77 ? 500 + input.below(20) : input.below(9);
         QByteArray value = input.takeBytes(input.below(9));
         const int varId = input.below(6);
         const int station = input.below(3);
         QByteArray bytes = value.left(bytesOf(label, count));
         bytes.append(QByteArray(bytesOf(label, count) - bytes.size(), '\0'));
-        SetRegisterData(text(label.name), 0, QString(), station, &value, count, 3, varId);
-        if (settings.writeMode != 2 || failed) store(label.address, bytes);
+        SetRegisterData(label.name, 0, QString(), station, &value, count, 3, varId);
+        if (settings.writeMode != 2 || failed) image.store(label.address, bytes);
         if (settings.writeMode != 2) return;
         for (int at = 0; at < bytes.size() && writes.size() < QueueLimit; at += 1000)
             writes.append(Model_Write{label.address + static_cast<quint32>(at), bytes.mid(at, 1000), varId,
@@ -119,18 +166,16 @@ private:
         const Known_Label& label = Labels[input.below(4)];
         const int count = input.below(9);
         QByteArray out;
-        const QString name = label.name[1] ? text("B[%%]") : text(label.name);
-        REQUIRE(GetRegisterData(name, 0, text("2"), 0, &out, count) == 1 && out.size() == bytesOf(label, count));
-        for (int i = 0; i < out.size(); ++i) {
-            unsigned char& known = image[label.address + static_cast<unsigned>(i)];
-            REQUIRE(static_cast<unsigned char>(out.at(i)) == known);
-        }
+        static const QString index = text("2");
+        REQUIRE(GetRegisterData(label.nameInTemplate, 0, index, 0, &out, count) == 1 && out.size() == bytesOf(label, count));
+        for (int i = 0; i < out.size(); ++i)
+            REQUIRE(byteAt(out, i) == image.show(label.address + static_cast<quint32>(i)));
     }
 
     void readOnce() {
         const Known_Label& label = Labels[input.below(4)];
         RW_VAR request = makeRequest(0, input.below(200), input.below(3), input.below(3));
-        request.label = text(label.name);
+        request.label = label.name;
         AddListOnceReadVar(&request);
     }
 
@@ -140,8 +185,8 @@ private:
         for (int i = input.below(6); i > 0; --i) {
             HOST_VAR definition;
             chosen << input.below(4);
-            definition.label = text(Labels[chosen.last()].name);
-            definition.count = input.below(32) == 0 ? 600 : input.below(40);
+            definition.label = Labels[chosen.last()].name;
+            definition.count = input.below(64) == 0 ? 600 : input.below(40);
             definition.station = static_cast<quint8>(input.below(3));
             definitions << definition;
         }
@@ -210,7 +255,7 @@ private:
         const Model_Write& head = writes.first();
         REQUIRE(wordAt(sent, 4) == head.address && sent.mid(10, sent.size() - 12) == head.data);
         REQUIRE(!PLC_driver.stationMap.contains(head.station));
-        if (!failed) store(head.address, head.data);
+        if (!failed) image.store(head.address, head.data);
     }
 
     void checkReadFrame(const Protocol& protocol) {
@@ -269,29 +314,24 @@ private:
             const bool other = settings.multiStation && writes.at(i).station != head.station;
             if (!good && !other) writes.removeAt(i);
         }
-        if (!good || !more) expectedNotices << head.varId << (good ? 1 : 2);
+        if (!good || !more) expectedNotices = {head.varId, good ? 1 : 2};
         REQUIRE(writes.size() == PLC_driver.writeList.size());
-    }
-
-    void store(quint32 address, const QByteArray& bytes) {
-        for (int i = 0; i < bytes.size(); ++i)
-            image[address + static_cast<unsigned>(i)] = static_cast<unsigned char>(bytes.at(i));
     }
 
     void storeItems(const QByteArray& reply) {
         int at = 4;
         for (int item = 4; item + 6 <= sent.size() - 2; item += 6) {
             const int count = static_cast<int>(byteAt(reply, at) | byteAt(reply, at + 1) << 8);
-            store(wordAt(sent, item), reply.mid(at + 2, count));
+            image.store(wordAt(sent, item), reply.mid(at + 2, count));
             at += 2 + count;
         }
     }
 
     Fuzz_Input& input;
     ComInfo settings;
-    Image image;
+    Image_Model image;
     QList<Model_Write> writes;
-    QList<int> expectedNotices;
+    std::vector<int> expectedNotices;
     QByteArray sent;  // the frame in flight
     bool isWrite = false;
     bool failed = false;

@@ -127,6 +127,22 @@ TEST(Online, neverShowsTheReplyToAnotherRequest) {
     }
 }
 
+TEST(Online, namesWhatWasWrongWithAReply) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"junk@n=1", "check value is wrong"},  // and no item count that was asked for, which is the lesser news
+        {"crc@n=1", "check value is wrong"},
+        {"count@n=1", "item counts are not those asked for"},
+        {"short@n=1", "no complete reply"},
+        {"long@n=1", "more"},
+    };
+    for (const auto& row : rows) {
+        Sim_Process sim({"-l", PLANT, "-q", "--fault", row.first});
+        const Outcome outcome = run("read Setpoint -R 0 -T 200" + on(sim.port()));
+        EXPECT_EQ(outcome.code, 4) << row.first;
+        EXPECT_TRUE(outcome.holds(row.second)) << row.first << ": " << outcome.text;
+    }
+}
+
 TEST(Online, watchTellsLossReturnAndFreshValues) {
     Sim_Process sim({"-l", PLANT, "-q", "--fault", "refuse(300)@n=3", "-o", "json"});
     const Outcome outcome = run("watch Setpoint -i 20 -n 12 -T 300 -R 0" + on(sim.port()));
