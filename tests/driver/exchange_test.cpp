@@ -57,8 +57,9 @@ TEST_F(Scheduler, FiveInARowThenTheNextSourceAndTheCyclicReadResetsBoth) {
     QList<qint64> served;
     for (int i = 0; i < 25; ++i)
         served << exchange();
-    EXPECT_EQ((QList<qint64>{1,  2,  3,  4,  5,  50, 51, 52, 53, 54, 90, 6, 7, 8, 9, 10, 55, 56, 57, 58, 59, 90, 11, 12, 60}),
-              served);
+    EXPECT_EQ(
+        (QList<qint64>{1, 2, 3, 4, 5, 50, 51, 52, 53, 54, 90, 6, 7, 8, 9, 10, 55, 56, 57, 58, 59, 90, 11, 12, 60}),
+        served);
 }
 
 TEST_F(Scheduler, TheFrameInFlightIsReturnedAgainWhateverIsQueued) {
@@ -91,7 +92,8 @@ TEST_F(Scheduler, EmptyReadsCannotOverflowTheBodyLength) {
     for (int i = 0; i < 12000; ++i)
         PLC_driver.readList << makeRequest(1, 0);
     const Protocol* const protocol = ComCommunication();
-    const int body = static_cast<unsigned char>(protocol->frame.at(1)) | static_cast<unsigned char>(protocol->frame.at(2)) << 8;
+    const int body =
+        static_cast<unsigned char>(protocol->frame.at(1)) | static_cast<unsigned char>(protocol->frame.at(2)) << 8;
     EXPECT_EQ(protocol->frameLength - 6, body);
     EXPECT_EQ(sealed(protocol->frame.left(protocol->frameLength - 2)), protocol->frame);
 }
@@ -296,8 +298,8 @@ TEST_F(Dispatch, AGiveUpDropsTheOtherPiecesOfTheVariable) {
         for (bool write : {true, false}) {
             settings.multiStation = multiStation;
             QList<RW_VAR>& queue = write ? PLC_driver.writeList : PLC_driver.onceReadList;
-            queue = {makeWrite(1, "x", 42, 1), makeWrite(5, "x", 42, 1), makeWrite(2, "x", 43, 1), makeWrite(3, "x", 42, 2),
-                     makeWrite(4, "x", 42, 1)};
+            queue = {makeWrite(1, "x", 42, 1), makeWrite(5, "x", 42, 1), makeWrite(2, "x", 43, 1),
+                     makeWrite(3, "x", 42, 2), makeWrite(4, "x", 42, 1)};
             for (RW_VAR& request : queue)
                 request.accessMode = write;
             PLC_driver.writeBurst = PLC_driver.onceReadBurst = 0;

@@ -5,8 +5,8 @@
 namespace {
 
 QList<Label_Type_Info> definitions() {
-    const Label_Type_Info motor = makeStruct(
-        12, {makeLabel("Id", 3, 0), makeLabel("Speed", 7, 4), makeLabel("Temp", 4, 8), makeLabel("Axis", 3, 2, {10, 0, 2})});
+    const Label_Type_Info motor = makeStruct(12, {makeLabel("Id", 3, 0), makeLabel("Speed", 7, 4),
+                                                  makeLabel("Temp", 4, 8), makeLabel("Axis", 3, 2, {10, 0, 2})});
     const Label_Type_Info line = makeStruct(100, {makeInstance("Drive", 20, motor, {10, 1, 4}), makeLabel("On", 1, 3)});
     Label_Type_Info shortDimensions = makeLabel("Short", 3, 0, {10, 0, 4});
     shortDimensions.dimensionCount = 2;

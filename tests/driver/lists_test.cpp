@@ -10,10 +10,14 @@ class Lists : public Driver_Fixture {
 protected:
     void SetUp() override {
         Driver_Fixture::SetUp();
-        QList<Label_Type_Info> labels = {
-            makeLabel("B", 1, 0, {10, 0, 100000}), makeLabel("W", 3, 100),  makeLabel("D", 5, 200), makeLabel("Q", 8, 300),
-            makeLabel("S", 10, 4000),              makeLabel("Odd", 77, 9), makeLabel("T", 1, 500, {10, 0, 8}),
-            makeInstance("M", 9, makeStruct(4, {makeLabel("A", 3, 0)}))};
+        QList<Label_Type_Info> labels = {makeLabel("B", 1, 0, {10, 0, 100000}),
+                                         makeLabel("W", 3, 100),
+                                         makeLabel("D", 5, 200),
+                                         makeLabel("Q", 8, 300),
+                                         makeLabel("S", 10, 4000),
+                                         makeLabel("Odd", 77, 9),
+                                         makeLabel("T", 1, 500, {10, 0, 8}),
+                                         makeInstance("M", 9, makeStruct(4, {makeLabel("A", 3, 0)}))};
         PassVarName_2(&labels);
     }
     // The cyclic list that definitions of one-byte elements at these places give.
@@ -221,7 +225,8 @@ TEST_F(Lists, APieceIsQueuedOnceUnlessOneOfSevenFieldsDiffers) {
     EXPECT_EQ(1, queue());
     EXPECT_EQ(1, queue());
     settings.multiStation = 1;
-    int* const fields[] = {&record.varType, &record.varId, &record.station, &record.dataType, &record.length, &record.areaId};
+    int* const fields[] = {&record.varType,  &record.varId,  &record.station,
+                           &record.dataType, &record.length, &record.areaId};
     int expected = 1;
     for (int* field : fields) {
         ++*field;

@@ -15,7 +15,9 @@ using vornex::test::clockMs;
 namespace {
 
 unsigned wordAt(const std::string& bytes, std::size_t at) {
-    return static_cast<unsigned char>(bytes[at]) | static_cast<unsigned>(static_cast<unsigned char>(bytes[at + 1])) << 8;
+    const auto low = static_cast<unsigned char>(bytes[at]);
+    const auto high = static_cast<unsigned char>(bytes[at + 1]);
+    return low | static_cast<unsigned>(high) << 8;
 }
 
 // Each item of the reply has the length that the frame asked for.

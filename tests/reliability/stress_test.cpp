@@ -175,7 +175,8 @@ TEST_F(Stress, EachWriteIsConfirmedAndInPlaceOrReportedAsGivenUp) {
         }
         ASSERT_EQ(expected, seen);
         const int value = controllerValue(sim);
-        ASSERT_TRUE(possible.contains(value)) << value << " instead of " << possible.first() << " to " << possible.last();
+        ASSERT_TRUE(possible.contains(value))
+            << value << " instead of " << possible.first() << " to " << possible.last();
         // What was given up may have arrived: begin the next four from what is there.
         if (value != number) {
             QByteArray known(4, '\0');
@@ -271,8 +272,9 @@ TEST_F(Recovery, ComesBackEachTimeWithoutGrowth) {
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(__clang__)
     EXPECT_LE(after.privateKilobytes - before.privateKilobytes, 64);
 #endif
-    std::printf("%d recoveries, the longest took %.0f ms; %ld kB and %d descriptors, %+ld kB in the second half\n", recoveries,
-                longest, after.privateKilobytes, after.descriptors, after.privateKilobytes - before.privateKilobytes);
+    std::printf("%d recoveries, the longest took %.0f ms; %ld kB and %d descriptors, %+ld kB in the second half\n",
+                recoveries, longest, after.privateKilobytes, after.descriptors,
+                after.privateKilobytes - before.privateKilobytes);
 }
 
 }  // namespace

@@ -28,8 +28,9 @@ std::string doubling(int levels) {
     std::string text = "{\"format\":1,\"structs\":{";
     for (int i = 0; i < levels; ++i) {
         const std::string type = i + 1 < levels ? "\"S" + std::to_string(i + 1) + "\"" : "\"1\"";
-        text += (i == 0 ? "\"S" : ",\"S") + std::to_string(i) + "\":{\"size\":1,\"members\":[{\"name\":\"a\",\"type\":" +
-                type + ",\"at\":0},{\"name\":\"b\",\"type\":" + type + ",\"at\":0}]}";
+        text += (i == 0 ? "\"S" : ",\"S") + std::to_string(i) +
+                "\":{\"size\":1,\"members\":[{\"name\":\"a\",\"type\":" + type +
+                ",\"at\":0},{\"name\":\"b\",\"type\":" + type + ",\"at\":0}]}";
     }
     return text + "},\n\"labels\":[{\"name\":\"X\",\"type\":\"S0\",\"at\":0}]}";
 }
@@ -193,7 +194,8 @@ TEST(Label_File, walkPassesByLargeArraysOfStructuresWithoutElements) {
     const Label_File file = parseLabelFile(
         R"({"format": 1, "structs": {"E": {"size": 1, "members": []}, "S": {"size": 1, "members": [
             {"name": "Deep", "type": "E", "at": 0}]}},
-            "labels": [{"name": "A", "type": "S[0..2000000000]", "at": 0}, {"name": "B", "type": "3", "at": 0}]})", "f");
+            "labels": [{"name": "A", "type": "S[0..2000000000]", "at": 0}, {"name": "B", "type": "3", "at": 0}]})",
+        "f");
     int seen = 0;
     forEachLeaf(file, [&](const Leaf&) { return ++seen > 0; });
     EXPECT_EQ(seen, 1);
@@ -203,7 +205,8 @@ TEST(Label_File, walkPassesByLargeArraysOfStructuresWithoutElements) {
 TEST(Label_File, findsAnElementBehindLargeArraysOfStructures) {
     const Label_File file = parseLabelFile(
         R"({"format": 1, "structs": {"S": {"size": 2, "members": [{"name": "Id", "type": "3", "at": 0}]}},
-            "labels": [{"name": "A", "type": "S[0..2000000000]", "at": 0}, {"name": "AB", "type": "S[1..3]", "at": 0}]})",
+            "labels": [{"name": "A", "type": "S[0..2000000000]", "at": 0},
+                       {"name": "AB", "type": "S[1..3]", "at": 0}]})",
         "f");
     const std::optional<Leaf> found = findLeaf(file, "AB[2].Id");
     ASSERT_TRUE(found);

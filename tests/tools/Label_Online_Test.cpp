@@ -151,7 +151,8 @@ TEST(Online, watchTellsLossReturnAndFreshValues) {
     const std::size_t back = outcome.text.find("-- connected", lost);
     ASSERT_NE(lost, std::string::npos) << outcome.text;
     ASSERT_NE(back, std::string::npos) << outcome.text;
-    EXPECT_NE(outcome.text.find("Setpoint = 1500 rpm", back), std::string::npos) << outcome.text;  // again, although equal
+    EXPECT_NE(outcome.text.find("Setpoint = 1500 rpm", back), std::string::npos)
+        << outcome.text;  // again, although equal
     EXPECT_EQ(outcome.text.find("Setpoint = ", lost), outcome.text.find("Setpoint = ", back)) << outcome.text;
     EXPECT_EQ(timesApplied(sim), 1);
 }
@@ -174,18 +175,21 @@ TEST(Online, aRecordedLinkReplaysEqualAndABentOneDoesNot) {
 }
 
 TEST(Online, aForgedRecordIsRefusedWithItsLine) {
-    const char start[] = "{\"event\":\"start\",\"version\":1,\"labels\":\"\",\"text\":\"\",\"maxBytes\":1,\"retries\":0}\n";
+    const char start[] =
+        "{\"event\":\"start\",\"version\":1,\"labels\":\"\",\"text\":\"\",\"maxBytes\":1,\"retries\":0}\n";
     const struct {
         const char* lines;
         const char* reason;
     } rows[] = {
         {"{\"event\":\"idle\"}", ":1: the record does not begin with its start"},
         {"{\"event\":\"start\",\"version\":2}", ":1: \"version\" is not a whole number from 1 to 1"},
-        {"{\"event\":\"start\",\"version\":1,\"maxBytes\":0,\"retries\":0}", "\"maxBytes\" is not a whole number from 1"},
+        {"{\"event\":\"start\",\"version\":1,\"maxBytes\":0,\"retries\":0}",
+         "\"maxBytes\" is not a whole number from 1"},
         {"+{\"event\":\"jump\"}", ":2: unknown event 'jump'"},
         {"+{\"event\":\"frame\"}", ":2: "},
         {"+{\"event\":\"reply\",\"reply\":\"0\",\"shifted\":false,\"status\":1}", ":2: "},
-        {"+{\"event\":\"reply\",\"reply\":\"\",\"shifted\":false,\"status\":1e300}", "\"status\" is not a whole number"},
+        {"+{\"event\":\"reply\",\"reply\":\"\",\"shifted\":false,\"status\":1e300}",
+         "\"status\" is not a whole number"},
         {"+{\"event\":\"memory\",\"type\":1,\"address\":4294967296}", "\"address\" is not a whole number from 0"},
         {"+{\"event\":\"poll\",\"labels\":[[\"A\",\"0\",1,8000000]]}", ":2: \"labels\" need more than 100000 requests"},
         {"+[[[[", ":2: "},
@@ -202,9 +206,10 @@ TEST(Online, aForgedRecordIsRefusedWithItsLine) {
 
 TEST(Online, ctrlCEndsAWatchWithItsSummary) {
     Sim_Process sim({"-l", PLANT, "-q"});
-    const Outcome outcome = run("watch Setpoint -i 86400000" + on(sim.port()), [](const std::string& line, pid_t process) {
-        if (line.find("Setpoint = ") != std::string::npos) kill(process, SIGINT);
-    });
+    const Outcome outcome =
+        run("watch Setpoint -i 86400000" + on(sim.port()), [](const std::string& line, pid_t process) {
+            if (line.find("Setpoint = ") != std::string::npos) kill(process, SIGINT);
+        });
     EXPECT_EQ(outcome.code, 130) << outcome.text;
     EXPECT_TRUE(outcome.holds("1 exchanges, 0 retries")) << outcome.text;
 }

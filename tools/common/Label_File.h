@@ -93,7 +93,8 @@ struct Leaf {
 // What a walk may pass over without looking into it, however large it is. An empty function passes over nothing.
 struct Leaf_Filter {
     std::function<bool(const Label&)> definition;   // is this elementary label or member wanted?
-    std::function<bool(const std::string&)> path;  // can a wanted one be this, or lie in it: "Motors", "Motors[2].Axis"?
+    std::function<bool(const std::string&)>
+        path;  // can a wanted one be this, or lie in it: "Motors", "Motors[2].Axis"?
 };
 
 // Calls `visit` for every elementary element in the file, in file order, arrays in row-major order. Stops when it

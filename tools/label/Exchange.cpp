@@ -6,7 +6,8 @@ std::string Exchange::fault() const {
     if (good()) return {};
     switch (transfer.state) {
         case Transfer_State::Complete:
-            return countsDiffer ? "the reply's item counts are not those asked for" : "the reply's check value is wrong";
+            return countsDiffer ? "the reply's item counts are not those asked for"
+                                : "the reply's check value is wrong";
         case Transfer_State::TimedOut: return "no complete reply: " + transfer.reason;
         case Transfer_State::NoLink: return "no connection: " + transfer.reason;
         default: return transfer.reason;

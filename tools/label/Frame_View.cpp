@@ -35,7 +35,8 @@ std::optional<Request_View> viewRequest(const std::string& frame) {
         return request;
     }
     if (frame[3] != ReadCommand || body % ItemSize != 0) return std::nullopt;
-    for (std::size_t at = HeaderSize; at < HeaderSize + body; at += ItemSize) request.items.push_back(itemAt(frame, at));
+    for (std::size_t at = HeaderSize; at < HeaderSize + body; at += ItemSize)
+        request.items.push_back(itemAt(frame, at));
     return request;
 }
 

@@ -43,17 +43,18 @@ std::string Link::open(const std::string& host, const std::string& port, Millise
     close();
     const auto pending = std::make_shared<Pending>();
     const auto resolver = std::make_shared<tcp::resolver>(context);
-    resolver->async_resolve(host, port, [this, pending, resolver](asio::error_code error, tcp::resolver::results_type found) {
-        pending->error = error;
-        if (error || pending->done) {
-            pending->done = true;
-            return;
-        }
-        asio::async_connect(socket, found, [pending](asio::error_code failure, const tcp::endpoint&) {
-            pending->error = failure;
-            pending->done = true;
+    resolver->async_resolve(
+        host, port, [this, pending, resolver](asio::error_code error, tcp::resolver::results_type found) {
+            pending->error = error;
+            if (error || pending->done) {
+                pending->done = true;
+                return;
+            }
+            asio::async_connect(socket, found, [pending](asio::error_code failure, const tcp::endpoint&) {
+                pending->error = failure;
+                pending->done = true;
+            });
         });
-    });
     if (!runUntil(pending->done, std::chrono::steady_clock::now() + timeout)) {
         pending->done = true;  // a look-up that ends later must not connect
         close();

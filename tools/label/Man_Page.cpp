@@ -76,7 +76,8 @@ std::string pageName(const Verb& verb) {
 
 std::string manPage(const std::vector<Verb>& verbs) {
     std::string text = heading("vornex-label", "labels of a controller, read, written and watched through the driver");
-    text += ".SH SYNOPSIS\n\\fBvornex\\-label\\fR \\fIverb\\fR [\\fIoptions\\fR] [\\fIarguments\\fR]\n.SH DESCRIPTION\n";
+    text +=
+        ".SH SYNOPSIS\n\\fBvornex\\-label\\fR \\fIverb\\fR [\\fIoptions\\fR] [\\fIarguments\\fR]\n.SH DESCRIPTION\n";
     text += roff("Loads the driver library as a panel does, resolves labels through it and talks to one controller.\n"
                  "Data goes to standard output as text, JSON lines or CSV, messages go to standard error.\n");
     text += ".SH VERBS\n";

@@ -28,7 +28,8 @@ public:
 
     Output(Format format, bool quiet, bool verbose);
 
-    // One line of data. Text output prints `text`, the others the fields. CSV repeats its heading when the names change.
+    // One line of data. Text output prints `text`, the others the fields. CSV repeats its heading when the names
+    // change.
     void row(const Row& row, const std::string& text);
     // Data that exists as text alone, such as a heading; nothing in the other formats.
     void text(const std::string& line);

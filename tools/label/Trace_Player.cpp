@@ -22,9 +22,10 @@ const std::int64_t MostUnits = 8 * 1024 * 1024;  // of one variable, in the host
 
 // The whole number of a key or in a list. Throws std::invalid_argument when it is none or not from `low` to `high`.
 std::int64_t numberIn(const Json& value, const std::string& name, std::int64_t low, std::int64_t high) {
-    const bool fits = value.is_number_unsigned()
-                          ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
-                          : value.is_number_integer();
+    const bool fits =
+        value.is_number_unsigned()
+            ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
+            : value.is_number_integer();
     if (fits && value.get<std::int64_t>() >= low && value.get<std::int64_t>() <= high) return value.get<std::int64_t>();
     throw std::invalid_argument("\"" + name + "\" is not a whole number from " + std::to_string(low) + " to " +
                                 std::to_string(high));

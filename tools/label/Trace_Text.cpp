@@ -44,8 +44,11 @@ public:
         std::string line = timeText(exchange.repliedAt) + "  < " + std::to_string(exchange.transfer.reply.size()) +
                            " of " + std::to_string(exchange.replyLength) + " bytes after " +
                            millisecondsText(static_cast<std::uint32_t>(exchange.latency.count())) + ": ";
-        if (exchange.good()) line += "good";
-        else line += exchange.fault() + "; " + (exchange.gaveUp() ? "given up: " + statusText(exchange.status) : "again");
+        if (exchange.good())
+            line += "good";
+        else
+            line += exchange.fault() + "; " +
+                    (exchange.gaveUp() ? "given up: " + statusText(exchange.status) : "again");
         out.write(line + "\n" + byteLines(exchange.transfer.reply));
     }
 

@@ -90,7 +90,8 @@ Exit_Code dump(Tool& tool, const Dump_Options& options) {
     for (const Span& span : spans) showSpan(online.session, tool.out, span);
     const Span* const failed = firstFailure(spans);
     if (!failed) return Exit_Code::Ok;
-    throw Tool_Error(Exit_Code::GaveUp, "at " + offsetText(failed->address) + ": " + completionText(failed->completion));
+    throw Tool_Error(Exit_Code::GaveUp,
+                     "at " + offsetText(failed->address) + ": " + completionText(failed->completion));
 }
 
 }  // namespace

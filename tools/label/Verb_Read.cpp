@@ -77,12 +77,14 @@ Verb readVerb() {
         "no reply has filled is shown as ?, never as 0.\n\n"
         "An array or structure stands for all its elements; * and ? match any text and any character of label texts.";
     verb.options = {
-        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels).must(),
+        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels)
+            .must(),
         Option("-c,--count", "N", "Elements to read from each label on, shown as a list (1).", &own->count)
             .between(1, 1000000),
         Option("--index", "N", "The index that takes the place of %% in a template (0).", &own->index)
             .between(-2147483647, 2147483647),
-        Option("--as", "VIEW", "How to see the bytes, instead of the label file's view.", &own->view).oneOf(viewNames()),
+        Option("--as", "VIEW", "How to see the bytes, instead of the label file's view.", &own->view)
+            .oneOf(viewNames()),
         Option("--hex", "", "The same as --as hex.", &own->hex),
     };
     verb.examples = {

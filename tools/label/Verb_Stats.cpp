@@ -195,11 +195,12 @@ Verb statsVerb() {
     verb.name = "stats";
     verb.summary = "Poll labels and measure the link";
     verb.description =
-        "Polls labels as fast as the controller answers, or at an interval, and tells exchanges, data, retries, give-ups "
-        "by result code, latency and how the driver packed the requests: a line a second and a summary at the end, also "
-        "after Ctrl-C.\n\nExit status 4 tells that no exchange was good.";
+        "Polls labels as fast as the controller answers, or at an interval, and tells exchanges, data, retries, "
+        "give-ups by result code, latency and how the driver packed the requests: a line a second and a summary at the "
+        "end, also after Ctrl-C.\n\nExit status 4 tells that no exchange was good.";
     verb.options = {
-        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels).must(),
+        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels)
+            .must(),
         Option("-d,--duration", "SECONDS", "End after so long (0: go on).", &own->seconds).between(0, 1e6),
         Option("-n,--rounds", "N", "End after N rounds (0: go on).", &own->rounds).between(0, 1000000000),
         Option("-i,--interval", "MS", "Least time from round to round (0).", &own->interval).between(0, 86400000),
@@ -226,7 +227,8 @@ Verb benchVerb() {
         "one after the other, and tells rounds, exchanges, data and latency of each: the size with the most rounds a "
         "second is the one for -m, and for the panel's own setting.\n\nExit status 4 tells that no exchange was good.";
     verb.options = {
-        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels).must(),
+        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels)
+            .must(),
         Option("-d,--duration", "SECONDS", "How long each size is tried (1).", &own->seconds).between(0.01, 3600),
         Option("--index", "N", "The index that takes the place of %% in a template (0).", &own->index)
             .between(-2147483647, 2147483647),

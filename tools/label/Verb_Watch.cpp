@@ -115,7 +115,8 @@ void Watch::tell(const Watch_News& news) {
         giveUpTold = true;
         const Label_Names names(tool.labels());
         std::string what;
-        for (const Frame_Item& item : giveUp.items) what += (what.empty() ? "" : ", ") + names.of(item.address, item.length);
+        for (const Frame_Item& item : giveUp.items)
+            what += (what.empty() ? "" : ", ") + names.of(item.address, item.length);
         tool.out.warn("the driver gave up on " + what + ": " + statusText(giveUp.status) + "; " + giveUp.fault);
     }
 }
@@ -173,12 +174,13 @@ Verb watchVerb() {
     verb.name = "watch";
     verb.summary = "Poll labels and show changes, or a live table";
     verb.description =
-        "Polls labels through the driver's cyclic list, as a panel does, until Ctrl-C. It goes on while the controller is "
-        "away: the loss and the return of the connection are told, values are stale from the loss until they have come "
+        "Polls labels through the driver's cyclic list, as a panel does, until Ctrl-C. It goes on while the controller "
+        "is away: the loss and the return of the connection are told, values are stale from the loss until they have come "
         "again, and a value that never came is ?, not 0.\n\n"
         "Exit status 4 tells that values were not fresh when the rounds ended, 5 that --until was not met by then.";
     verb.options = {
-        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels).must(),
+        Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels)
+            .must(),
         Option("--table", "", "A table that is kept up to date.", &own->table),
         Option("-n,--rounds", "N", "End after N rounds (0: go on).", &own->rounds).between(0, 1000000000),
         Option("-i,--interval", "MS", "Least time from round to round (200).", &own->interval).between(0, 86400000),
@@ -192,7 +194,8 @@ Verb watchVerb() {
     verb.examples = {
         {"watch -l plant.json Speed 'Motors[*].Temp' --table", "A live table."},
         {"watch -l plant.json Speed --until 'Speed>100' -n 50", "Wait for a value, 50 rounds at most."},
-        {"watch -l plant.json Motors -i 1000 --csv log.csv -o json", "Changes as JSON lines, and a log of every round."},
+        {"watch -l plant.json Motors -i 1000 --csv log.csv -o json",
+         "Changes as JSON lines, and a log of every round."},
     };
     verb.run = [own](Tool& tool) { return Watch(tool, *own).run(); };
     return verb;

@@ -91,7 +91,8 @@ void writePlan(Session& session, Output& out, Write_Plan& plan) {
         const Completion completion = session.wait(tickets.front());
         tickets.pop_front();
         if (completion.state == Completion::State::Interrupted) throw Tool_Error(Exit_Code::Interrupted, "interrupted");
-        if (size > LongestPiece) out.progress("written " + std::to_string(offset) + " of " + std::to_string(size) + " bytes");
+        if (size > LongestPiece)
+            out.progress("written " + std::to_string(offset) + " of " + std::to_string(size) + " bytes");
         if (completion.state == Completion::State::Good) continue;
         plan.completion = completion;
         offset = size;  // what is under way still ends, nothing more is started
@@ -124,8 +125,8 @@ bool verify(Session& session, Output& out, const std::vector<Write_Plan>& plans)
         std::vector<Span> spans = spansOf({variable}, elements, session.maxBytes());
         readSpans(session, out, spans);
         if (const Span* failed = firstFailure(spans)) {
-            throw Tool_Error(Exit_Code::GaveUp,
-                             "'" + variable.text + "' was written, but not read back: " + completionText(failed->completion));
+            throw Tool_Error(Exit_Code::GaveUp, "'" + variable.text + "' was written, but not read back: " +
+                                                    completionText(failed->completion));
         }
         variable.range.bytes = static_cast<std::uint32_t>(plan.bytes.size());
         const std::string found = session.bytes(variable.range);
@@ -191,13 +192,14 @@ Verb writeVerb() {
     verb.description =
         "Writes values in the order given. All are checked first: a label that does not resolve, a value out of the "
         "range of its view or a list longer than its array stops the tool before anything is sent.\n\n"
-        "A VALUE is a number (decimal, 0x, float), true or false, a list [1, 2, 3] of elements, \"text\" in quotes over "
-        "one-byte elements, or @FILE with raw bytes. Types 10 and 11 cannot be written.";
+        "A VALUE is a number (decimal, 0x, float), true or false, a list [1, 2, 3] of elements, \"text\" in quotes "
+        "over one-byte elements, or @FILE with raw bytes. Types 10 and 11 cannot be written.";
     verb.options = {
         Option("ASSIGNMENT", "", "LABEL=VALUE: what to write.", &own->assignments).must(),
         Option("--verify", "", "Read everything back and compare; exit 5 when it differs.", &own->verify),
         Option("--dry-run", "", "Show address, bytes and frame; send nothing.", &own->dryRun),
-        Option("--as", "VIEW", "How to read the values, instead of the label file's view.", &own->view).oneOf(viewNames()),
+        Option("--as", "VIEW", "How to read the values, instead of the label file's view.", &own->view)
+            .oneOf(viewNames()),
         Option("--index", "N", "The index that takes the place of %% in a template (0).", &own->index)
             .between(-2147483647, 2147483647),
     };

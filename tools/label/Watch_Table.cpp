@@ -66,7 +66,8 @@ void Live_Table::draw(const std::vector<Watched>& all) {
     const std::size_t room = out.dataOnTerminal ? terminalLines() - 2 : all.size() + lines.size();
     for (const Watched& watched : all) {
         if (lines.size() + 1 >= room && all.size() + 2 > room) {
-            lines.push_back("... and " + std::to_string(all.size() + 2 - lines.size()) + " more; a higher window shows them");
+            lines.push_back("... and " + std::to_string(all.size() + 2 - lines.size()) +
+                            " more; a higher window shows them");
             break;
         }
         const Variable& variable = watched.variable;
