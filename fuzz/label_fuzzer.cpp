@@ -39,7 +39,8 @@ void takeDimensions(Fuzz_Input& input, Label_Type_Info& info) {
     info.dimensions << radixes[input.below(10)];
     for (int i = 0; i < count; ++i) {
         const int low = takeBound(input);
-        info.dimensions << low << (input.below(4) == 0 ? takeBound(input) : static_cast<int>(qint64(low) + input.below(12)));
+        info.dimensions << low
+                        << (input.below(4) == 0 ? takeBound(input) : static_cast<int>(qint64(low) + input.below(12)));
     }
     if (input.below(8) == 0) info.dimensions.clear();
 }

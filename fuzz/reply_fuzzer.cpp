@@ -23,8 +23,8 @@ unsigned byteAt(const QByteArray& bytes, int at) {
 bool walkItems(const QByteArray& frame, const QByteArray& reply, Image* image) {
     int at = 4;
     for (int item = 4; item + 6 <= frame.size() - 2; item += 6) {
-        const unsigned address =
-            byteAt(frame, item) | byteAt(frame, item + 1) << 8 | byteAt(frame, item + 2) << 16 | byteAt(frame, item + 3) << 24;
+        const unsigned address = byteAt(frame, item) | byteAt(frame, item + 1) << 8 | byteAt(frame, item + 2) << 16 |
+                                 byteAt(frame, item + 3) << 24;
         if (at + 2 > reply.size() - 2) return false;
         const int count = static_cast<int>(byteAt(reply, at) | byteAt(reply, at + 1) << 8);
         at += 2;

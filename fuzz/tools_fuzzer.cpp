@@ -134,7 +134,8 @@ void checkRecord(const std::string& text) {
 // What is typed: a value that parses has its element's bytes and reads the same when it is shown and typed again.
 void checkTyped(const std::string& text) {
     static const Label_File file = parseLabelFile(R"json({"format": 1, "structs": {"S": {"size": 16, "members": [
-        {"name": "A", "type": "3[0..1,-1..2]/16", "at": 0}]}}, "labels": [{"name": "V", "type": "S[1..3]", "at": 0}]})json",
+        {"name": "A", "type": "3[0..1,-1..2]/16", "at": 0}]}},
+        "labels": [{"name": "V", "type": "S[1..3]", "at": 0}]})json",
                                                   "typed.json");
     const View views[] = {View::U8, View::S16, View::U64, View::F32, View::Bool, View::Hex, View::Text, View::Bytes};
     const std::size_t sizes[] = {1, 2, 8, 4, 1, 4, 255, 8};
