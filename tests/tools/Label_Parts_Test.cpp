@@ -6,6 +6,7 @@
 #include "../../tools/label/Completions.h"
 #include "../../tools/label/Frame_View.h"
 #include "../../tools/label/Known_Bytes.h"
+#include "../../tools/label/Label_Names.h"
 #include "../../tools/label/Status_Text.h"
 #include "../../tools/label/Value_View.h"
 #include "../../tools/label/Variable_Value.h"
@@ -13,6 +14,16 @@
 
 namespace vornex {
 namespace {
+
+TEST(LabelNames, keepsNoneOfAFileThatWouldTakeAllMemory) {
+    const Label_Names names(parseLabelFile(
+        R"({"format": 1, "labels": [{"name": "A", "type": "3", "at": 0},
+                                    {"name": "B", "type": "1[0..2000000000]", "at": 2}]})",
+        "f"));
+    EXPECT_TRUE(names.tooMany());
+    EXPECT_EQ(names.of(0, 2), "bytes 0 to 1");
+    EXPECT_EQ(names.values(0, 2, "ab"), "");
+}
 
 TEST(ValueView, showsBytesAsTheViewSays) {
     const struct {

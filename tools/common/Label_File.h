@@ -105,7 +105,9 @@ void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>&
 bool leadsOnFrom(const std::string& path, const std::string& text);
 // The element of this label text.
 std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text);
-// For walks that keep what they find: throws File_Error when `held` elements are more than the tools keep in memory.
+// What the tools keep in memory at once.
+constexpr std::size_t MostElementsHeld = 1000000;
+// For walks that keep what they find: throws File_Error when `held` elements are more than that.
 void checkHeld(const Label_File& file, std::size_t held);
 
 }  // namespace vornex

@@ -129,8 +129,7 @@ std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text) {
 }
 
 void checkHeld(const Label_File& file, std::size_t held) {
-    constexpr std::size_t Limit = 1000000;
-    if (held > Limit) throw File_Error(file.path + ": more than a million elements at once; name fewer of them");
+    if (held > MostElementsHeld) throw File_Error(file.path + ": more than a million elements at once");
 }
 
 }  // namespace vornex

@@ -12,11 +12,12 @@ const std::size_t ValuesTold = 6;          // in a line of text
 }  // namespace
 
 Label_Names::Label_Names(const Label_File& file) {
-    forEachLeaf(file, [&](const Leaf& leaf) {
-        checkHeld(file, entries.size() + 1);
-        entries.push_back({leaf.address, leaf.bytes, leaf.view, leaf.text});
-        return true;
+    forEachLeaf(file, [this](const Leaf& leaf) {
+        tooManyElements = entries.size() == MostElementsHeld;
+        if (!tooManyElements) entries.push_back({leaf.address, leaf.bytes, leaf.view, leaf.text});
+        return !tooManyElements;
     });
+    if (tooManyElements) entries = {};
     std::stable_sort(entries.begin(), entries.end(),
                      [](const Entry& a, const Entry& b) { return a.address < b.address; });
 }
@@ -35,6 +36,9 @@ std::vector<const Label_Names::Entry*> Label_Names::within(std::uint32_t address
 }
 
 std::string Label_Names::of(std::uint32_t address, std::uint32_t length) const {
+    if (tooManyElements) {
+        return "bytes " + std::to_string(address) + " to " + std::to_string(std::uint64_t(address) + length - 1);
+    }
     const std::vector<const Entry*> found = within(address, length);
     if (found.empty()) return "no label";
     if (found.size() == 1) return found[0]->text;

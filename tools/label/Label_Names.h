@@ -20,13 +20,14 @@ public:
     };
 
     Label_Names() = default;
-    // Throws File_Error for a file of too many elements.
+    // Of a file with more than a million elements no names are kept: they would take the machine's memory.
     explicit Label_Names(const Label_File& file);
+    bool tooMany() const { return tooManyElements; }
 
     // By address; those at one address in the order of the file.
     const std::vector<Entry>& all() const { return entries; }
 
-    // "Speed", "Motors[1].Id .. Motors[4].Temp (12 labels)", or "no label".
+    // "Speed", "Motors[1].Id .. Motors[4].Temp (12 labels)", or "no label"; "bytes 16 to 19" when no names are kept.
     std::string of(std::uint32_t address, std::uint32_t length) const;
 
     // "Speed = 1500, Motors[1].Id = 7, ... 3 more": what lies in the run, with the values that `data` holds for it;
@@ -37,6 +38,7 @@ private:
     std::vector<const Entry*> within(std::uint32_t address, std::uint32_t length) const;
 
     std::vector<Entry> entries;
+    bool tooManyElements = false;
 };
 
 }  // namespace vornex

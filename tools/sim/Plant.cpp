@@ -97,6 +97,7 @@ std::uint64_t Plant::generationAt(double now) const {
 std::vector<Reply_Item> Plant::read(const std::vector<Range>& items, double now) {
     if (pattern.step == Pattern::Step::Read) ++generation;
     std::vector<Reply_Item> result;
+    result.reserve(items.size());
     for (const Range& item : items)
         result.push_back({item.bytes, peek(item.address, item.bytes, now)});
     return result;
