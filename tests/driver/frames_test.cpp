@@ -1,5 +1,6 @@
 // Check values, frames and reply validation against bytes worked out by hand.
 #include "Driver_Fixture.h"
+#include "base/Little_Endian.h"
 #include "driver/Reply_Dispatch.h"
 #include "protocol/Check_Functions.h"
 #include "protocol/Func_DealData.h"
@@ -12,6 +13,31 @@ namespace {
 unsigned crcOf(const QByteArray& bytes) {
     QByteArray copy = bytes;
     return CalCRC(reinterpret_cast<unsigned char*>(copy.data()), static_cast<unsigned short>(copy.size()));
+}
+
+// Neither side passes the end of its bytes, whatever it is asked for.
+TEST(Little_Endian, StaysInsideItsBytes) {
+    const struct {
+        int from, to;
+        int bytes;  // that can be taken
+    } rows[] = {{0, 4, 4}, {1, 3, 2}, {-1, 2, 2}, {0, 9, 4}, {4, 4, 0}, {3, 2, 0}, {9, 9, 0}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.from << " to " << row.to);
+        EXPECT_EQ(nullptr, Reply_Reader("abcd", row.from, row.to).takeBytes(row.bytes + 1));
+        EXPECT_NE(nullptr, Reply_Reader("abcd", row.from, row.to).takeBytes(row.bytes));
+        int value = 0;
+        EXPECT_EQ(row.bytes >= 2, Reply_Reader("abcd", row.from, row.to).take16(value));
+    }
+    EXPECT_EQ(nullptr, Reply_Reader("abcd", 0, 4).takeBytes(-1));
+
+    QByteArray frame("....");
+    Frame_Writer writer(frame);
+    writer.put8('a');
+    writer.putBytes("1234");
+    EXPECT_EQ(1, writer.written());
+    writer.putBytes("123");
+    writer.put8('z');
+    EXPECT_EQ("a123", frame);
 }
 
 TEST(Check_Functions, CatalogueValues) {

@@ -47,6 +47,17 @@ protected:
     static const Label_Type_Info& entry(const char* name) { return *PLC_driver.labelTable.constFind(text(name)); }
 };
 
+TEST_F(Labels, ElementsFollowEachOtherByTheSizeOfTheirType) {
+    const int sizes[] = {0, 1, 1, 2, 2, 4, 4, 4, 8, 8, 255, 255};
+    for (int code = 1; code <= 11; ++code) {
+        QList<Label_Type_Info> labels = {makeLabel("A", code, 1000, {10, 0, 3})};
+        PassVarName_2(&labels);
+        ControlInformationM info;
+        EXPECT_EQ(0, get_label_address(text("A[2]"), info)) << code;
+        EXPECT_EQ(1000u + 2 * static_cast<unsigned>(sizes[code]), info.address) << code;
+    }
+}
+
 TEST_F(Labels, Resolution) {
     const struct {
         const char* label;

@@ -245,6 +245,10 @@ TEST_F(Lists, APieceIsQueuedOnceUnlessOneOfSevenFieldsDiffers) {
     RW_VAR changed = PLC_driver.onceReadList.at(0);
     PLC_driver.onceReadList.first().length = 99;
     EXPECT_EQ(expected + 1, AddListOnceReadVar(&changed)) << "its entry was changed past the driver";
+    PLC_driver.onceReadList.first().varId = 98;
+    changed.varId = 98;
+    changed.length = PLC_driver.onceReadList.first().length;
+    EXPECT_EQ(expected + 1, AddListOnceReadVar(&changed)) << "the same, and this is what it was changed to";
 }
 
 TEST_F(Lists, AFullOneShotQueueDropsPiecesButTheRecordRunsOn) {
