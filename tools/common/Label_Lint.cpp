@@ -84,6 +84,7 @@ private:
     // In order of address; a label is compared with the one that reaches farthest among those before it.
     void checkOverlaps(const std::vector<Label>& labels, const std::string& owner) {
         std::vector<const Label*> sorted;
+        sorted.reserve(labels.size());
         for (const Label& label : labels)
             sorted.push_back(&label);
         std::stable_sort(sorted.begin(), sorted.end(), [](const Label* a, const Label* b) { return a->at < b->at; });

@@ -4,6 +4,8 @@
 #include <link.h>
 #include <unistd.h>
 
+#include <type_traits>
+
 #include "Exit_Code.h"
 
 namespace vornex {
@@ -69,9 +71,11 @@ std::vector<std::string> Driver_Library::entryPointNames() {
 
 void Driver_Library::bindAll() {
     std::string missing;
-#define VORNEX_BIND(name)                                  \
-    name = reinterpret_cast<decltype(name)>(symbol(#name)); \
-    if (!name) missing += (missing.empty() ? "" : ", ") + std::string(#name);
+    const auto bind = [&](auto& entryPoint, const char* name) {
+        entryPoint = reinterpret_cast<std::decay_t<decltype(entryPoint)>>(symbol(name));
+        if (!entryPoint) missing += (missing.empty() ? "" : ", ") + std::string(name);
+    };
+#define VORNEX_BIND(name) bind(name, #name);
     VORNEX_EACH_ENTRY_POINT(VORNEX_BIND)
 #undef VORNEX_BIND
     if (missing.empty()) return;

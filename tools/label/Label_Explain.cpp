@@ -140,7 +140,7 @@ private:
         used = i + 1;
         const Segment segment(segments[i]);
         if (!label.type.bounds.empty()) {
-            if (const auto wrong = checkIndexes(label, segment)) return wrong;
+            if (auto wrong = checkIndexes(label, segment)) return wrong;
         } else if (segment.hasGroup) {
             return problem(LabelMisfit, segment.group, "'" + label.name + "' is no array and takes no index");
         }
@@ -179,7 +179,7 @@ private:
                                boundsText(label.type) + ", not " + std::to_string(indexes.size()));
         }
         for (std::size_t d = 0; d < indexes.size(); ++d) {
-            if (const auto wrong = checkIndex(indexes[d], bounds[d], label.type.radix)) return wrong;
+            if (auto wrong = checkIndex(indexes[d], bounds[d], label.type.radix)) return wrong;
         }
         if (segment.closed) return std::nullopt;
         return problem(LabelNoIndex, segment.group, "the index group does not end with ']'");

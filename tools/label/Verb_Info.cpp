@@ -45,7 +45,7 @@ Library_Facts factsOf(const std::string& path) {
 
 std::string realPathOf(const std::string& path) {
     char* const resolved = realpath(path.c_str(), nullptr);
-    const std::string text = resolved ? resolved : path;
+    std::string text = resolved ? resolved : path;
     std::free(resolved);
     return text;
 }

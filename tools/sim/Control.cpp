@@ -14,7 +14,7 @@ constexpr std::uint64_t LongestPeek = 65535;
 std::string takeWord(std::string& text) {
     const std::size_t begin = std::min(text.find_first_not_of(" \t"), text.size());
     const std::size_t end = std::min(text.find_first_of(" \t", begin), text.size());
-    const std::string word = text.substr(begin, end - begin);
+    std::string word = text.substr(begin, end - begin);
     text.erase(0, std::min(text.find_first_not_of(" \t", end), text.size()));
     return word;
 }

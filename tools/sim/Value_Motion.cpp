@@ -39,6 +39,7 @@ const Motion_Name& findName(const std::string& name) {
 
 std::vector<double> readNumbers(const std::vector<std::string>& texts) {
     std::vector<double> numbers;
+    numbers.reserve(texts.size());
     for (const std::string& text : texts)
         numbers.push_back(parseNumber(text));
     return numbers;

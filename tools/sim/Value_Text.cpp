@@ -85,7 +85,7 @@ std::string wholeText(const Bytes& bytes, View view) {
     std::uint64_t value = 0;
     for (std::uint32_t i = width; i-- > 0;)
         value = value << 8 | bytes[i];
-    if (!isSigned(view)) return std::to_string(value);
+    if (width == 0 || !isSigned(view)) return std::to_string(value);
     const int unused = 64 - 8 * static_cast<int>(width);
     return std::to_string(static_cast<std::int64_t>(value << unused) >> unused);
 }
