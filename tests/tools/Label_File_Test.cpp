@@ -35,6 +35,15 @@ std::string doubling(int levels) {
     return text + "},\n\"labels\":[{\"name\":\"X\",\"type\":\"S0\",\"at\":0}]}";
 }
 
+std::string chain(int levels) {
+    std::string text = "{\"format\":1,\"structs\":{";
+    for (int i = 0; i < levels; ++i) {
+        text += "\"S" + std::to_string(i) + "\":{\"size\":1,\"members\":[{\"name\":\"M\",\"type\":\"S" +
+                std::to_string(i + 1) + "\",\"at\":0}]},";
+    }
+    return text + "\"S" + std::to_string(levels) + "\":{\"size\":1,\"members\":[]}},\"labels\":[]}";
+}
+
 struct Bad_File {
     const char* what;
     std::string text;
@@ -92,6 +101,8 @@ TEST(Label_File, refusesWithFileLineAndLabel) {
          "f:2: member 'S.M': 1 x 2 bytes at 2 end past the structure's size 3"},
         {"contains itself", withStruct("\"size\":3,\"members\":[{\"name\":\"M\",\"type\":\"S\",\"at\":0}]"),
          "f:2: structure 'S': it contains itself"},
+        {"a chain of structures", chain(40000), "structures nest too deep"},
+        {"the tools' own name", withLabel("\"name\":\"@memory\",\"type\":\"3\",\"at\":0"), "stands for bare memory"},
         {"a bomb of nested structures", doubling(30),
          "f:2: label 'X': with its structures spelled out, the file has more than a million members"},
         {"view of a structure",
@@ -101,6 +112,22 @@ TEST(Label_File, refusesWithFileLineAndLabel) {
     for (const Bad_File& row : rows) {
         SCOPED_TRACE(row.what);
         EXPECT_NE(errorOf(row.text).find(row.error), std::string::npos) << errorOf(row.text);
+    }
+}
+
+// A list of digits takes a hundred times its size in memory.
+TEST(Label_File, endsAtTwoMillionValues) {
+    std::string list, cells = "kind,name\n";
+    for (int i = 0; i < 2000001; ++i) {
+        list += "0,";
+        cells += ',';
+    }
+    EXPECT_EQ(errorOf("{\"format\":1,\n\"labels\":[" + list + "0]}"), "f:2: more than two million values");
+    try {
+        parseLabels(cells, "f.csv");
+        ADD_FAILURE() << "accepted";
+    } catch (const File_Error& error) {
+        EXPECT_NE(std::string(error.what()).find("more than two million cells"), std::string::npos) << error.what();
     }
 }
 
@@ -208,10 +235,16 @@ TEST(Label_File, findsAnElementBehindLargeArraysOfStructures) {
             "labels": [{"name": "A", "type": "S[0..2000000000]", "at": 0},
                        {"name": "AB", "type": "S[1..3]", "at": 0}]})",
         "f");
-    const std::optional<Leaf> found = findLeaf(file, "AB[2].Id");
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found->address, 2u);
-    EXPECT_FALSE(findLeaf(file, "B[2].Id"));
+    const std::pair<const char*, std::uint32_t> rows[] = {
+        {"AB[2].Id", 2}, {"A[2000000000].Id", 4000000000}, {"A[0].Id", 0}};
+    for (const auto& row : rows) {
+        const std::optional<Leaf> found = findLeaf(file, row.first);
+        ASSERT_TRUE(found) << row.first;
+        EXPECT_EQ(found->text, row.first);
+        EXPECT_EQ(found->address, row.second);
+    }
+    for (const char* text : {"B[2].Id", "AB[4].Id", "A[x].Id", "A[1,2].Id", "A[01].Id", "A[].Id", "A[5", "A[5]"})
+        EXPECT_FALSE(findLeaf(file, text)) << text;
 }
 
 // Labels of the example must not lie on each other: a write of one would show in another.

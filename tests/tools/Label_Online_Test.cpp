@@ -174,6 +174,39 @@ TEST(Online, aRecordedLinkReplaysEqualAndABentOneDoesNot) {
     EXPECT_EQ(run("replay " + record).code, 1);  // cut in the middle of a line
 }
 
+TEST(Online, aRecordWithATableReplays) {
+    const std::string table = std::string(WORK_DIR) + "/table.csv";
+    const std::string record = std::string(WORK_DIR) + "/table.jsonl";
+    std::ofstream(table) << "kind,name,type,at\nlabel,A,3,100\n";
+    Sim_Process sim({"-l", table, "-q"});
+    run("-l " + table + " read A --trace " + record + " -t 127.0.0.1:" + std::to_string(sim.port()));
+    EXPECT_EQ(run("replay " + record).code, 0);
+}
+
+// What only needs the beginning of an array does not hold the rest of it.
+TEST(Online, arraysOfMillionsAreWrittenButNotListed) {
+    const std::string file = std::string(WORK_DIR) + "/millions.json";
+    std::ofstream(file) << R"({"format": 1, "structs": {"S": {"size": 4, "members": [{"name": "Id", "type": "3", "at": 0}]}},
+        "labels": [{"name": "Big", "type": "1[0..1999999]", "at": 0}, {"name": "S", "type": "S[0..900000000]", "at": 0}]})";
+    const struct {
+        const char* arguments;
+        int code;
+        const char* text;
+    } rows[] = {
+        {"write Big=[1,2] --dry-run", 0, "Big[0] at 0, 2 bytes"},
+        {"write Big[1999999]=9 --dry-run", 0, "at 1999999, 1 bytes"},
+        {"write Big[1999999]=[9,9] --dry-run", 2, "do not fit"},
+        {"write S[800000000].Id=9 --dry-run", 0, "at 3200000000, 2 bytes"},
+        {"write S=9 --dry-run", 2, "'S' is more than one variable"},
+        {"read Big -t 127.0.0.1:1", 2, "'Big' makes more than a million elements"},
+    };
+    for (const auto& row : rows) {
+        const Outcome outcome = run("-l " + file + " " + row.arguments);
+        EXPECT_EQ(outcome.code, row.code) << row.arguments << "\n" << outcome.text;
+        EXPECT_TRUE(outcome.holds(row.text)) << row.arguments << "\n" << outcome.text;
+    }
+}
+
 TEST(Online, aForgedRecordIsRefusedWithItsLine) {
     const char start[] =
         "{\"event\":\"start\",\"version\":1,\"labels\":\"\",\"text\":\"\",\"maxBytes\":1,\"retries\":0}\n";
@@ -191,8 +224,8 @@ TEST(Online, aForgedRecordIsRefusedWithItsLine) {
         {"+{\"event\":\"reply\",\"reply\":\"\",\"shifted\":false,\"status\":1e300}",
          "\"status\" is not a whole number"},
         {"+{\"event\":\"memory\",\"type\":1,\"address\":4294967296}", "\"address\" is not a whole number from 0"},
-        {"+{\"event\":\"poll\",\"labels\":[[\"A\",\"0\",1,8000000]]}", ":2: \"labels\" need more than 100000 requests"},
-        {"+[[[[", ":2: "},
+        {"+{\"event\":\"poll\",\"labels\":[[\"A\",\"0\",1,8000000]]}", ":2: \"labels\" need more than 200000 requests"},
+        {"+[[[[[[", ":2: values nest too deep"},
     };
     const std::string record = std::string(WORK_DIR) + "/forged.jsonl";
     for (const auto& row : rows) {

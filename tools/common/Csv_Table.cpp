@@ -8,6 +8,7 @@
 namespace vornex {
 namespace {
 
+constexpr std::size_t CellLimit = 2000000;  // some 250,000 labels
 const char ByteOrderMark[] = "\xEF\xBB\xBF";
 
 // The separator that the heading line uses, whose cells are plain words. `at`: where the first line begins.
@@ -100,6 +101,7 @@ private:
         Csv_Cell found;
         found.line = line;
         found.column = column;
+        if (++cellCount > CellLimit) fail(found, "more than two million cells");
         if (at < text.size() && text[at] == '"') {
             quoted(found);
         } else {
@@ -135,6 +137,7 @@ private:
     const char separator;
     int line = 1;
     int column = 1;
+    std::size_t cellCount = 0;
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <iterator>
 #include <limits>
+#include <set>
 
 #include <nlohmann/json.hpp>
 
@@ -13,7 +14,8 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t DepthLimit = 16;  // a label file needs 5
+constexpr std::size_t DepthLimit = 16;       // a label file needs 5
+constexpr std::size_t NodeLimit = 2000000;  // some 300,000 labels; a node takes a hundred times the memory of a digit
 
 // Counts lines while the parser reads, because the parser tells positions only of errors.
 class Line_Iterator {
@@ -67,11 +69,11 @@ public:
     }
     bool binary(json::binary_t&) override { return false; }
     bool start_object(std::size_t) override { return open(Json_Node::Kind::Object); }
-    bool end_object() override { return stack.pop_back(), true; }
+    bool end_object() override { return close(); }
     bool start_array(std::size_t) override { return open(Json_Node::Kind::Array); }
-    bool end_array() override { return stack.pop_back(), true; }
+    bool end_array() override { return close(); }
     bool key(string_t& value) override {
-        if (stack.back()->find(value)) fail("the key \"" + value + "\" stands twice");
+        if (!keys.back().insert(value).second) fail("the key \"" + value + "\" stands twice");
         nextKey = value;
         nextKeyLine = *line;
         return true;
@@ -91,11 +93,18 @@ private:
     bool open(Json_Node::Kind kind) {
         if (stack.size() >= DepthLimit) fail("nested too deep");
         stack.push_back(&place(kind));
+        keys.emplace_back();
+        return true;
+    }
+    bool close() {
+        stack.pop_back();
+        keys.pop_back();
         return true;
     }
     // Puts a new node where the document stands. Only the innermost open node grows, and none of the nodes it holds is
     // open, so the pointers in the stack stay good.
     Json_Node& place(Json_Node::Kind kind) {
+        if (++nodes > NodeLimit) fail("more than two million values");
         Json_Node* node = &root;
         if (!stack.empty()) {
             stack.back()->entries.push_back({nextKey, nextKey.empty() ? *line : nextKeyLine, {}});
@@ -113,6 +122,8 @@ private:
     std::string path;
     const int* line;
     std::vector<Json_Node*> stack;
+    std::vector<std::set<std::string>> keys;  // of each open node
+    std::size_t nodes = 0;
     std::string nextKey;
     int nextKeyLine = 0;
 };

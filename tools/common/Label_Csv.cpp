@@ -126,7 +126,8 @@ private:
     void readStruct(const Row& row) {
         expectEmpty(row, {"type", "at", "view", "unit", "sim"});
         const Csv_Cell name = cell(row, "name");
-        if (structs.find(name.text)) fail(name, "structure '" + name.text + "' stands twice");
+        if (!structAt.emplace(name.text, structs.entries.size()).second)
+            fail(name, "structure '" + name.text + "' stands twice");
         Json_Node type = emptyNode(Json_Node::Kind::Object, name.line);
         type.entries.push_back({"size", name.line, number(row, "size")});
         type.entries.push_back({"members", name.line, emptyNode(Json_Node::Kind::Array, name.line)});
@@ -147,10 +148,8 @@ private:
     }
 
     Json_Node* membersOf(const std::string& owner) {
-        for (Json_Entry& entry : structs.entries) {
-            if (entry.key == owner) return &entry.value.entries[1].value;
-        }
-        return nullptr;
+        const auto found = structAt.find(owner);
+        return found == structAt.end() ? nullptr : &structs.entries[found->second].value.entries[1].value;
     }
 
     Json_Node labelNode(const Row& row, const Csv_Cell& name) const {
@@ -191,7 +190,8 @@ private:
     const std::string path;
     const std::vector<Row> rows;
     std::map<std::string, std::ptrdiff_t> columns;
-    std::vector<const Row*> members;  // attached when all structures are known
+    std::map<std::string, std::size_t> structAt;  // their places in `structs`
+    std::vector<const Row*> members;              // attached when all structures are known
     Json_Node target;
     Json_Node structs = emptyNode(Json_Node::Kind::Object, 1);
     Json_Node labels = emptyNode(Json_Node::Kind::Array, 1);

@@ -73,6 +73,7 @@ void checkName(const Place& place, int line, const std::string& name) {
     if (name.find_first_of(".[]") != std::string::npos || name.find("%%") != std::string::npos) {
         place.fail(line, "a name cannot hold '.', '[', ']' or '%%'");
     }
+    if (name == "@memory") place.fail(line, "'@memory' stands for bare memory in the tools' own requests");
 }
 
 void readType(const Place& place, const Json_Node& object, Label& label) {
@@ -173,15 +174,18 @@ Struct_Type readStruct(const Place& file, const Json_Entry& entry) {
 
 // Levels of structures from this one down. `known` keeps what was found, 0 for a structure still being looked at.
 // Fails for a structure that contains itself.
-int nestingOf(const Label_File& file, const Place& place, const Struct_Type& type, std::map<std::string, int>& known) {
+int nestingOf(const Label_File& file, const Place& place, const Struct_Type& type, std::map<std::string, int>& known,
+              int above = 0) {
     const auto before = known.find(type.name);
     if (before != known.end() && before->second > 0) return before->second;
     if (before != known.end()) place.about("structure", type.name).fail(type.line, "it contains itself");
+    if (above > NestingLimit) place.about("structure", type.name).fail(type.line, "structures nest too deep");
     known[type.name] = 0;
     int levels = 1;
     for (const Label& member : type.members) {
         if (member.type.code != 12) continue;
-        levels = std::max(levels, 1 + nestingOf(file, place, file.structs.at(member.type.structName), known));
+        levels =
+            std::max(levels, 1 + nestingOf(file, place, file.structs.at(member.type.structName), known, above + 1));
     }
     if (levels > NestingLimit) place.about("structure", type.name).fail(type.line, "structures nest too deep");
     return known[type.name] = levels;
@@ -276,7 +280,10 @@ Label_File parseLabelFile(const std::string& text, const std::string& path) {
 }
 
 Label_File readLabelFile(const std::string& path) {
-    const std::string text = wholeText(path);
+    return parseLabels(wholeText(path), path);
+}
+
+Label_File parseLabels(const std::string& text, const std::string& path) {
     const std::size_t dot = path.rfind('.');
     const bool isCsv = dot != std::string::npos && (path.substr(dot) == ".csv" || path.substr(dot) == ".CSV");
     return isCsv ? parseLabelCsv(text, path) : parseLabelFile(text, path);

@@ -66,7 +66,9 @@ class File_Error : public std::runtime_error {
 // that multiply to more than a million members.
 // A file whose name ends in .csv is read as Label_Csv.h describes.
 Label_File readLabelFile(const std::string& path);
-// The same for text in memory; `path` is only for messages.
+// The same for text in memory that was read from `path`.
+Label_File parseLabels(const std::string& text, const std::string& path);
+// The same for JSON in memory; `path` is only for messages.
 Label_File parseLabelFile(const std::string& text, const std::string& path);
 
 // "MotorT[1..4]/16" as in the file. Throws std::invalid_argument with the reason.
@@ -90,11 +92,20 @@ struct Leaf {
     View view = View::Default;  // resolved: never Default
 };
 
-// What a walk may pass over without looking into it, however large it is. An empty function passes over nothing.
+// Bytes of one value: the driver hands out, and takes, no more at once.
+constexpr std::uint64_t LongestValue = 16u << 20;
+
+// A label text that is wanted, with all that lies in it; or the beginning of wanted texts.
+struct Wanted_Text {
+    std::string text;
+    bool isBeginning = false;
+};
+
+// What a walk passes over without looking into it, however large it is. Nothing set: it passes over nothing.
 struct Leaf_Filter {
-    std::function<bool(const Label&)> definition;   // is this elementary label or member wanted?
-    std::function<bool(const std::string&)>
-        path;  // can a wanted one be this, or lie in it: "Motors", "Motors[2].Axis"?
+    std::function<bool(const Label&)> definition;  // is this elementary label or member wanted?
+    // Only what is wanted, and of the array that it lies in the elements behind it, as far as one value reaches.
+    std::vector<Wanted_Text> texts;
 };
 
 // Calls `visit` for every elementary element in the file, in file order, arrays in row-major order. Stops when it

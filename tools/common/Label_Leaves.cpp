@@ -1,5 +1,8 @@
 // The walk over every elementary element.
 #include <algorithm>
+#include <charconv>
+#include <limits>
+#include <set>
 
 #include "Label_File.h"
 
@@ -47,6 +50,37 @@ std::string indexGroup(const Type_Ref& type, const std::vector<int>& indexes) {
     return text.empty() ? text : text + "]";
 }
 
+// Row-major, from 0; a text that is not how the group is written names none.
+std::optional<std::uint64_t> elementNumber(const Type_Ref& type, const std::string& group) {
+    if (group.empty() || group.back() != ']') return std::nullopt;
+    std::vector<int> indexes;
+    std::uint64_t number = 0;
+    const char* at = group.data() + 1;
+    const char* const end = group.data() + group.size() - 1;
+    for (const Index_Bounds& bounds : type.bounds) {
+        int index = 0;
+        const auto parsed = std::from_chars(at, end, index, type.radix);
+        if (parsed.ec != std::errc() || index < bounds.low || index > bounds.high) return std::nullopt;
+        indexes.push_back(index);
+        number = number * static_cast<std::uint64_t>(std::int64_t(bounds.high) - bounds.low + 1) +
+                 static_cast<std::uint64_t>(std::int64_t(index) - bounds.low);
+        at = std::min(parsed.ptr + 1, end);
+    }
+    if (indexGroup(type, indexes) != group) return std::nullopt;
+    return number;
+}
+
+std::vector<int> indexesOf(const Type_Ref& type, std::uint64_t number) {
+    std::vector<int> indexes(type.bounds.size());
+    for (std::size_t d = indexes.size(); d-- > 0;) {
+        const Index_Bounds& bounds = type.bounds[d];
+        const auto extent = static_cast<std::uint64_t>(std::int64_t(bounds.high) - bounds.low + 1);
+        indexes[d] = static_cast<int>(bounds.low + static_cast<std::int64_t>(number % extent));
+        number /= extent;
+    }
+    return indexes;
+}
+
 class Leaf_Walk {
 public:
     Leaf_Walk(const Label_File& labelFile, const std::function<bool(const Leaf&)>& visitor,
@@ -55,17 +89,18 @@ public:
 
     // False when the visitor had enough.
     bool walk(const Label& label, const std::string& prefix, std::uint32_t base) {
-        if (!holdsWanted(label) || !mayLeadOn(prefix + label.name)) return true;
-        const std::uint32_t step = elementBytes(file, label.type);
-        std::uint32_t address = base + label.at;
-        std::vector<int> indexes;
-        for (const Index_Bounds& bounds : label.type.bounds)
-            indexes.push_back(bounds.low);
-        do {
-            if (!element(label, prefix + label.name + indexGroup(label.type, indexes), address, step)) return false;
-            address += step;
-        } while (nextElement(label.type, indexes));
-        return true;
+        const std::string path = prefix + label.name;
+        if (!holdsWanted(label) || !mayLeadToText(path)) return true;
+        const std::optional<std::set<std::uint64_t>> chosen = chosenElements(label.type, path);
+        const std::uint32_t start = base + label.at;
+        if (!chosen) return elements(label, path, start, 0, std::numeric_limits<std::uint64_t>::max());
+        if (label.type.code != 12) {
+            const std::uint64_t reach = LongestValue / elementBytes(file, label.type);
+            return chosen->empty() || elements(label, path, start, *chosen->begin(), *chosen->rbegin() + reach);
+        }
+        return std::all_of(chosen->begin(), chosen->end(), [&](std::uint64_t number) {
+            return elements(label, path, start, number, number);
+        });
     }
 
 private:
@@ -82,14 +117,49 @@ private:
         return wantedIn[label.type.structName] = some;
     }
 
-    bool mayLeadOn(const std::string& path) const { return !filter.path || filter.path(path); }
+    static bool mayLeadTo(const Wanted_Text& wanted, const std::string& path) {
+        if (wanted.isBeginning) return path.compare(0, wanted.text.size(), wanted.text, 0, path.size()) == 0;
+        return leadsOnFrom(path, wanted.text) || leadsOnFrom(wanted.text, path);
+    }
+
+    bool mayLeadToText(const std::string& path) const {
+        return filter.texts.empty() || std::any_of(filter.texts.begin(), filter.texts.end(),
+                                                   [&path](const Wanted_Text& text) { return mayLeadTo(text, path); });
+    }
+
+    // The elements of the array at this path that the wanted texts name; nothing when one wants the whole of it.
+    std::optional<std::set<std::uint64_t>> chosenElements(const Type_Ref& type, const std::string& path) const {
+        if (filter.texts.empty() || type.bounds.empty()) return std::nullopt;
+        std::set<std::uint64_t> chosen;
+        for (const Wanted_Text& wanted : filter.texts) {
+            if (!mayLeadTo(wanted, path)) continue;
+            const std::string rest = wanted.text.substr(std::min(path.size(), wanted.text.size()));
+            const std::size_t end = rest.find(']');
+            if (rest.empty() || rest[0] != '[' || (wanted.isBeginning && end == std::string::npos)) return std::nullopt;
+            if (const auto number = elementNumber(type, rest.substr(0, end + 1))) chosen.insert(*number);
+        }
+        return chosen;
+    }
+
+    // The elements from the one number to the other, as far as there are any.
+    bool elements(const Label& label, const std::string& path, std::uint32_t start, std::uint64_t first,
+                  std::uint64_t last) {
+        const std::uint32_t step = elementBytes(file, label.type);
+        std::vector<int> indexes = indexesOf(label.type, first);
+        std::uint64_t number = first;
+        do {
+            const auto address = static_cast<std::uint32_t>(start + number * step);
+            if (!element(label, path + indexGroup(label.type, indexes), address, step)) return false;
+        } while (number++ < last && nextElement(label.type, indexes));
+        return true;
+    }
 
     bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes) {
         if (label.type.code != 12) {
             return visit({text, &label, address, label.type.code, bytes, resolveView(label)});
         }
         const auto found = file.structs.find(label.type.structName);
-        if (found == file.structs.end() || !mayLeadOn(text)) return true;
+        if (found == file.structs.end() || !mayLeadToText(text)) return true;
         for (const Label& member : found->second.members) {
             if (!walk(member, text + ".", address)) return false;
         }
@@ -118,7 +188,7 @@ bool leadsOnFrom(const std::string& path, const std::string& text) {
 
 std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text) {
     Leaf_Filter filter;
-    filter.path = [&text](const std::string& path) { return leadsOnFrom(path, text); };
+    filter.texts = {{text, false}};
     std::optional<Leaf> found;
     const auto take = [&](const Leaf& leaf) {
         if (leaf.text == text) found = leaf;
@@ -129,7 +199,7 @@ std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text) {
 }
 
 void checkHeld(const Label_File& file, std::size_t held) {
-    if (held > MostElementsHeld) throw File_Error(file.path + ": more than a million elements at once");
+    if (held > MostElementsHeld) throw File_Error(file.path + ": more than a million elements");
 }
 
 }  // namespace vornex

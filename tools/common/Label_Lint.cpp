@@ -10,7 +10,6 @@ namespace {
 
 using Severity = Lint_Finding::Severity;
 
-constexpr std::uint64_t LongestRead = 16u << 20;  // the driver hands out no more than 16 MiB at once
 constexpr std::size_t OverlapsTold = 100;         // a shifted file overlaps everywhere; a hundred make the point
 
 std::string lowered(std::string text) {
@@ -110,7 +109,7 @@ private:
             add(Severity::Error, "end", label.line, label.name,
                 "bytes " + range(label.at, end) + " go past the end of the memory at " + std::to_string(memoryEnd));
         }
-        if (end - label.at > LongestRead) {
+        if (end - label.at > LongestValue) {
             add(Severity::Warning, "size", label.line, label.name,
                 "more than 16 MiB, the most that one read hands out");
         }

@@ -23,11 +23,12 @@ std::string wholeText(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
     if (!stream) throw File_Error(path + ": cannot be read: " + std::strerror(errno));
     std::string text;
-    for (std::string piece(Piece, '\0'); stream; ) {
+    for (std::string piece(Piece, '\0'); stream;) {
         stream.read(&piece[0], static_cast<std::streamsize>(piece.size()));
         text.append(piece, 0, static_cast<std::size_t>(stream.gcount()));
         if (text.size() > LongestText) throw File_Error(path + ": has more than 64 MiB");
     }
+    if (stream.bad()) throw File_Error(path + ": cannot be read: " + std::strerror(errno));
     return text;
 }
 
@@ -35,11 +36,15 @@ bool nextLine(std::istream& in, std::string& line) {
     constexpr int End = std::istream::traits_type::eof();
     line.clear();
     std::streambuf& bytes = *in.rdbuf();
-    int byte = bytes.sbumpc();
-    if (byte == End) return false;
-    for (; byte != End && byte != '\n'; byte = bytes.sbumpc()) {
-        if (line.size() == LongestLine) throw std::invalid_argument("the line has more than 128 MiB");
-        line += static_cast<char>(byte);
+    try {
+        int byte = bytes.sbumpc();
+        if (byte == End) return false;
+        for (; byte != End && byte != '\n'; byte = bytes.sbumpc()) {
+            if (line.size() == LongestLine) throw std::invalid_argument("the line has more than 128 MiB");
+            line += static_cast<char>(byte);
+        }
+    } catch (const std::ios_base::failure&) {
+        throw std::invalid_argument(std::string("cannot be read: ") + std::strerror(errno));
     }
     return true;
 }

@@ -25,7 +25,7 @@ struct Exchange {
     bool cyclic = false;        // of the cyclic list, else a write or one-shot read
     int replyLength = 0;        // that the driver expects
     Transfer transfer;
-    bool countsDiffer = false;  // complete, but items are not those asked for: not handed to the driver
+    bool countsDiffer = false;  // complete and the check value right, but other items than asked for: not handed on
     int status = 0;             // from the driver: 0 again, 1 or 100 good, else given up with a band code
     int varType = 0;            // of the driver's result record, when the request is finished
     int varId = 0;

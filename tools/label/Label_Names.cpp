@@ -37,7 +37,8 @@ std::vector<const Label_Names::Entry*> Label_Names::within(std::uint32_t address
 
 std::string Label_Names::of(std::uint32_t address, std::uint32_t length) const {
     if (tooManyElements) {
-        return "bytes " + std::to_string(address) + " to " + std::to_string(std::uint64_t(address) + length - 1);
+        const std::uint32_t last = address + std::max(length, 1u) - 1;
+        return "bytes " + std::to_string(address) + " to " + std::to_string(last);
     }
     const std::vector<const Entry*> found = within(address, length);
     if (found.empty()) return "no label";

@@ -16,9 +16,11 @@ namespace {
 
 using Json = nlohmann::json;
 
-// A record of this tool stays far below these: they keep a forged one from taking all memory.
-const std::int64_t MostRequests = 100000;       // of one poll list after packing
-const std::int64_t MostUnits = 8 * 1024 * 1024;  // of one variable, in the host's counts
+// A record of this tool stays below these: they keep a forged one from taking all memory.
+const int DeepestValue = 4;
+const std::int64_t MostValues = 8000000;   // in one line: a poll list has six for each of a million elements
+const std::int64_t MostRequests = 200000;  // that the elements of a poll list are too long for
+const std::int64_t MostUnits = LongestValue / 2;  // of one variable, in the host's counts
 
 // The whole number of a key or in a list. Throws std::invalid_argument when it is none or not from `low` to `high`.
 std::int64_t numberIn(const Json& value, const std::string& name, std::int64_t low, std::int64_t high) {
@@ -50,7 +52,7 @@ void Trace_Player::start(const Json& event) {
     setUpComInfo(comInfo, intOf(event, "maxBytes", 1, LongestRequest), intOf(event, "retries", 0, 1000));
     driver.SetComInfo(&comInfo);
     const std::string text = event.at("text");
-    if (!text.empty()) passLabels(driverLabels(parseLabelFile(text, event.at("labels"))));
+    if (!text.empty()) passLabels(driverLabels(parseLabels(text, event.at("labels"))));
     started = true;
 }
 
@@ -74,8 +76,8 @@ void Trace_Player::poll(const Json& event) {
         variable.labelIndex = driverText(label.at(1).get<std::string>());
         variable.dataType = static_cast<quint8>(numberIn(label.at(2), "labels", 0, 255));
         variable.count = static_cast<int>(numberIn(label.at(3), "labels", 0, MostUnits));
-        requests += 1 + 2 * variable.count / comInfo.maxBytesPerRequest;
-        if (requests > MostRequests) throw std::invalid_argument("\"labels\" need more than 100000 requests");
+        requests += std::int64_t(2) * variable.count / comInfo.maxBytesPerRequest;
+        if (requests > MostRequests) throw std::invalid_argument("\"labels\" need more than 200000 requests");
         definitions.append(variable);
     }
     driver.ReCreatReadVarList(&definitions);
@@ -141,8 +143,14 @@ void Trace_Player::playEvent(const Json& event) {
 
 void Trace_Player::play(const std::string& line) {
     if (trimmed(line).empty()) return;
+    std::int64_t values = 0;
+    const auto checkSize = [&values](int depth, Json::parse_event_t, Json&) {
+        if (depth > DeepestValue) throw std::invalid_argument("values nest too deep");
+        if (++values > MostValues) throw std::invalid_argument("more than eight million values");
+        return true;
+    };
     try {
-        playEvent(Json::parse(line));
+        playEvent(Json::parse(line, checkSize));
     } catch (const Json::exception& mistake) {
         throw std::invalid_argument(mistake.what());
     }

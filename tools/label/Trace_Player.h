@@ -19,8 +19,8 @@ struct Trace_Difference {
 // Repeats the calls on a driver that has not been used yet. Not for several threads.
 class Trace_Player {
 public:
-    // `entryPoints` stay the caller's and have to outlive the player; so does the player the use of the driver, which
-    // keeps its settings.
+    // `entryPoints` have to outlive the player. The driver keeps a pointer to the player's settings: it is not to be
+    // used after the player is gone.
     explicit Trace_Player(const Driver_Entry_Points& entryPoints) : driver(entryPoints) {}
 
     // One line; a blank one does nothing. Throws std::invalid_argument with the reason for a line that is no part of a

@@ -35,13 +35,11 @@ public:
     Selection(const Label_File& labelFile, const std::vector<std::string>& texts)
         : file(labelFile), arguments(texts), found(texts.size()), runStart(texts.size(), 0) {}
 
-    // Whether what an argument matches can be at this path or in it.
-    bool mayLieIn(const std::string& path) const {
-        return std::any_of(arguments.begin(), arguments.end(), [&path](const std::string& argument) {
-            const std::string literal = argument.substr(0, argument.find_first_of("*?"));
-            if (isGlob(argument) && path.compare(0, literal.size(), literal, 0, path.size()) == 0) return true;
-            return leadsOnFrom(path, argument) || leadsOnFrom(argument, path);
-        });
+    Leaf_Filter filter() const {
+        Leaf_Filter wanted;
+        for (const std::string& argument : arguments)
+            wanted.texts.push_back({argument.substr(0, argument.find_first_of("*?")), isGlob(argument)});
+        return wanted;
     }
 
     void take(const Leaf& leaf) {
@@ -49,7 +47,10 @@ public:
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             const std::string& argument = arguments[i];
             if (isGlob(argument) ? globCovers(argument, leaf.text) : leadsOnFrom(argument, leaf.text)) {
-                checkHeld(file, ++held);
+                if (++held > MostElementsHeld) {
+                    throw Tool_Error(Exit_Code::Label,
+                                     "'" + argument + "' makes more than a million elements of " + file.path);
+                }
                 found[i].push_back(variableOf(leaf));
             }
         }
@@ -100,7 +101,7 @@ Variable resolveSpelling(Session& session, const Label_File& file, const std::st
         return true;
     };
     Leaf_Filter filter;
-    filter.path = [&path](const std::string& part) { return leadsOnFrom(pathOf(part), path); };
+    filter.texts = {{path.substr(0, path.find('.')), false}};
     forEachLeaf(file, take, filter);
     if (!variable) noSuchLabel(file, argument);
     variable->elements = static_cast<std::uint32_t>((end - variable->address) / variable->bytes);
@@ -123,13 +124,11 @@ void useDriverAddress(Session& session, const Label_File& file, Variable& variab
 std::vector<Variable> findVariables(Session& session, const Label_File& file, const std::vector<std::string>& arguments,
                                     int index) {
     Selection selection(file, arguments);
-    Leaf_Filter filter;
-    filter.path = [&selection](const std::string& path) { return selection.mayLieIn(path); };
     const auto take = [&selection](const Leaf& leaf) {
         selection.take(leaf);
         return true;
     };
-    forEachLeaf(file, take, filter);
+    forEachLeaf(file, take, selection.filter());
     selection.endRun();
     std::vector<Variable> variables;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -144,15 +143,50 @@ std::vector<Variable> findVariables(Session& session, const Label_File& file, co
     return variables;
 }
 
+Variable firstVariable(Session& session, const Label_File& file, const std::string& argument, int index,
+                       Extent& extent) {
+    if (isGlob(argument)) {
+        extent = Extent::Several;
+        return findVariables(session, file, {argument}, index).front();
+    }
+    std::optional<Variable> first;
+    const Label* definition = nullptr;
+    std::uint64_t end = 0;
+    extent = Extent::Element;
+    const auto take = [&](const Leaf& leaf) {
+        const bool isMatch = leadsOnFrom(argument, leaf.text);
+        if (!first) {
+            if (!isMatch) return true;
+            first = variableOf(leaf);
+            definition = leaf.definition;
+        } else if (leaf.definition == definition && leaf.address == end) {
+            if (isMatch) extent = Extent::Array;
+            if (end - first->address >= LongestValue) return false;
+        } else {
+            if (isMatch) extent = Extent::Several;
+            return false;
+        }
+        end = std::uint64_t(leaf.address) + leaf.bytes;
+        return true;
+    };
+    Leaf_Filter filter;
+    filter.texts = {{argument, false}};
+    forEachLeaf(file, take, filter);
+    if (!first) return findVariables(session, file, {argument}, index).front();
+    first->elements = static_cast<std::uint32_t>((end - first->address) / first->bytes);
+    useDriverAddress(session, file, *first);
+    return *first;
+}
+
 Variable findVariable(Session& session, const Label_File& file, const std::string& argument, int index,
                       bool& wholeArray) {
-    const std::vector<Variable> found = findVariables(session, file, {argument}, index);
-    const bool oneArray = found.size() == found.front().elements;
-    if (isGlob(argument) || (found.size() > 1 && !oneArray)) {
+    Extent extent = Extent::Element;
+    const Variable variable = firstVariable(session, file, argument, index, extent);
+    if (extent == Extent::Several) {
         throw Tool_Error(Exit_Code::Label, "'" + argument + "' is more than one variable: name an element or member");
     }
-    wholeArray = found.size() > 1;
-    return found.front();
+    wholeArray = extent == Extent::Array;
+    return variable;
 }
 
 std::string pathOf(const std::string& text) {

@@ -27,6 +27,13 @@ struct Variable {
 std::vector<Variable> findVariables(Session& session, const Label_File& file, const std::vector<std::string>& arguments,
                                     int index);
 
+// What an argument stands for: one element, an array of them, or more than can be told by their first variable.
+enum class Extent { Element, Array, Several };
+
+// The first variable of the argument, without holding all of them: an array may have any number of elements.
+Variable firstVariable(Session& session, const Label_File& file, const std::string& argument, int index,
+                       Extent& extent);
+
 // Exactly one variable: an element, or an array, which stands for its first element (`wholeArray` is then set).
 Variable findVariable(Session& session, const Label_File& file, const std::string& argument, int index,
                       bool& wholeArray);

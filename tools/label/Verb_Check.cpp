@@ -20,6 +20,7 @@ using Resolve = int (*)(QString, ControlInformationM&);
 using Rewrite = int (*)(QString&, int);
 
 const std::size_t TextWidth = 28;
+const std::size_t KeptTexts = 100000;
 
 struct Outcome {
     bool good = false;
@@ -39,14 +40,15 @@ public:
           rewrite(reinterpret_cast<Rewrite>(library.symbol(RewriteSymbol))) {
         settings.maxBytesPerRequest = 1;
         library.SetComInfo(&settings);
-        QList<Label_Type_Info> labels = driverLabels(tool.labels());
-        library.PassVarName_2(&labels);
+        passLabels();
         if (!resolve || !rewrite)
             tool.out.warn("the library does not tell result codes, only whether a label resolves");
     }
 
     // `leaf` is what the file says the text is, null when the user wrote it.
     bool check(const std::string& text, const Leaf* leaf) {
+        // The driver keeps every text it has resolved until it gets definitions.
+        if (++checked % KeptTexts == 0) passLabels();
         Outcome outcome = ask(text);
         std::string reason;
         std::optional<Label_Problem> problem;
@@ -63,6 +65,11 @@ public:
     }
 
 private:
+    void passLabels() {
+        QList<Label_Type_Info> labels = driverLabels(tool.labels());
+        library.PassVarName_2(&labels);
+    }
+
     Outcome ask(const std::string& text) {
         Outcome outcome;
         QString label = QString::fromUtf8(text.c_str());
@@ -133,6 +140,7 @@ private:
     const Resolve resolve;
     const Rewrite rewrite;
     ComInfo settings;
+    std::size_t checked = 0;
 };
 
 struct Tally {

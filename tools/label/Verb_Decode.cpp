@@ -72,6 +72,8 @@ class Decoder {
 public:
     explicit Decoder(Tool& userTool) : tool(userTool) {
         if (!tool.options.labelFile.empty()) names = Label_Names(tool.labels());
+        if (names.tooMany())
+            tool.out.warn(tool.options.labelFile + ": more than a million elements, labels are not told");
     }
 
     // True when nothing is wrong with the piece.

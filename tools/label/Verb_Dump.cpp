@@ -35,7 +35,8 @@ std::uint64_t parseNumber(const std::string& text, const char* what) {
 bool isNumber(const std::string& text) { return !text.empty() && text[0] >= '0' && text[0] <= '9'; }
 
 std::uint32_t findAddress(Tool& tool, Session& session, const std::string& text) {
-    if (!isNumber(text)) return findVariables(session, tool.labels(), {text}, 0).front().address;
+    Extent extent = Extent::Element;
+    if (!isNumber(text)) return firstVariable(session, tool.labels(), text, 0, extent).address;
     const std::uint64_t address = parseNumber(text, "address");
     if (address > 0xFFFFFFFF) throw Tool_Error(Exit_Code::Usage, "address '" + text + "' is beyond 32 bits");
     return static_cast<std::uint32_t>(address);

@@ -175,8 +175,8 @@ Verb watchVerb() {
     verb.summary = "Poll labels and show changes, or a live table";
     verb.description =
         "Polls labels through the driver's cyclic list, as a panel does, until Ctrl-C. It goes on while the controller "
-        "is away: the loss and the return of the connection are told, values are stale from the loss until they have come "
-        "again, and a value that never came is ?, not 0.\n\n"
+        "is away: the loss and the return of the connection are told, values are stale from the loss until they have "
+        "come again, and a value that never came is ?, not 0.\n\n"
         "Exit status 4 tells that values were not fresh when the rounds ended, 5 that --until was not met by then.";
     verb.options = {
         Option("LABEL", "", "A label, an array or structure, or a glob such as 'Motors[*].Speed'.", &own->labels)
