@@ -181,7 +181,7 @@ Variable firstVariable(Session& session, const Label_File& file, const std::stri
 Variable findVariable(Session& session, const Label_File& file, const std::string& argument, int index,
                       bool& wholeArray) {
     Extent extent = Extent::Element;
-    const Variable variable = firstVariable(session, file, argument, index, extent);
+    Variable variable = firstVariable(session, file, argument, index, extent);
     if (extent == Extent::Several) {
         throw Tool_Error(Exit_Code::Label, "'" + argument + "' is more than one variable: name an element or member");
     }
