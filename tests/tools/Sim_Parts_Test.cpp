@@ -104,6 +104,7 @@ TEST(Sim_Value, fromTextToBytesAndBack) {
         {"true", View::Bool, 1, "01", "true"},
         {"258", View::Hex, 2, "02 01", "02 01"},
         {"Hi", View::Text, 4, "48 69 00 00", "Hi"},
+        {"a\nb\x7F", View::Text, 4, "61 0a 62 7f", "a\\x0ab\\x7f"},
         {"0a0b", View::Bytes, 3, "0a 0b 00", "0a 0b 00"},
     };
     for (const Value_Row& row : rows) {

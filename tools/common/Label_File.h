@@ -118,8 +118,8 @@ bool leadsOnFrom(const std::string& path, const std::string& text);
 std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text);
 // What the tools keep in memory at once.
 constexpr std::size_t MostElementsHeld = 1000000;
-// For walks that keep what they find: throws File_Error when `held` elements are more than that.
-void checkHeld(const Label_File& file, std::size_t held);
+// Throws the File_Error that says so.
+[[noreturn]] void refuseSoMany(const Label_File& file);
 
 }  // namespace vornex
 

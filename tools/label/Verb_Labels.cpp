@@ -116,7 +116,7 @@ Exit_Code runLint(Tool& tool, const std::string& argument, const std::string& me
 Exit_Code runNames(Tool& tool, const std::string& argument) {
     const Label_File file = fileOf(tool, argument);
     const Label_Names names(file);
-    if (names.tooMany()) throw File_Error(file.path + ": more than a million elements");
+    if (names.tooMany()) refuseSoMany(file);
     tool.out.text("# vornex names 1: address, bytes, view, label; for the Wireshark dissector");
     for (const Label_Names::Entry& element : names.all()) {
         Row row;

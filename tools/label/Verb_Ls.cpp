@@ -149,7 +149,7 @@ void printElements(Tool& tool, const std::vector<std::string>& patterns) {
     std::size_t width = 5;
     forEachLeaf(tool.labels(), [&](const Leaf& leaf) {
         if (!patterns.empty() && !matchesAny(patterns, leaf.text)) return true;
-        checkHeld(tool.labels(), found.size() + 1);
+        if (found.size() == MostElementsHeld) refuseSoMany(tool.labels());
         found.push_back(leaf);
         width = std::max(width, leaf.text.size());
         return true;

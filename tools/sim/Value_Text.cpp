@@ -80,6 +80,17 @@ std::string floatText(const Bytes& bytes) {
     return std::string(text, end.ptr);
 }
 
+// Up to the first zero byte. A line end in it would look like one of the answer's own.
+std::string shownText(const Bytes& bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        if (byte == 0) break;
+        const bool isControl = byte < 0x20 || byte == 0x7F;
+        text += isControl ? "\\x" + hexText({byte}) : std::string(1, static_cast<char>(byte));
+    }
+    return text;
+}
+
 std::string wholeText(const Bytes& bytes, View view) {
     const std::uint32_t width = viewedBytes(view, static_cast<std::uint32_t>(bytes.size()));
     std::uint64_t value = 0;
@@ -180,7 +191,7 @@ std::string formatValue(const Bytes& bytes, View view) {
         case View::F64:
             return floatText<double>(bytes);
         case View::Text:
-            return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), 0));
+            return shownText(bytes);
         case View::Bytes:
         case View::Hex:
             return hexText(bytes);

@@ -25,7 +25,8 @@ void checkRange(double value, View view, std::uint32_t bytes);
 // The element's bytes, little-endian; whole numbers are rounded and wrap at their size.
 Bytes encodeNumber(double value, View view, std::uint32_t bytes);
 
-// An element's bytes from what a user wrote, and back. parseValue throws std::invalid_argument.
+// An element's bytes from what a user wrote, and back on one line: control characters in a text show as \x0a.
+// parseValue throws std::invalid_argument.
 Bytes parseValue(const std::string& text, View view, std::uint32_t bytes);
 std::string formatValue(const Bytes& bytes, View view);
 
