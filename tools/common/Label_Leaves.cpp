@@ -1,6 +1,7 @@
 // The walk over every elementary element.
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 #include <set>
 
@@ -96,7 +97,7 @@ public:
         if (!chosen) return elements(label, path, start, 0, std::numeric_limits<std::uint64_t>::max());
         if (label.type.code != 12) {
             const std::uint64_t reach = LongestValue / elementBytes(file, label.type);
-            return chosen->empty() || elements(label, path, start, *chosen->begin(), *chosen->rbegin() + reach);
+            return chosen->empty() || elements(label, path, start, *chosen->begin(), *std::prev(chosen->end()) + reach);
         }
         return std::all_of(chosen->begin(), chosen->end(), [&](std::uint64_t number) {
             return elements(label, path, start, number, number);
