@@ -14,7 +14,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t DepthLimit = 16;       // a label file needs 5
+constexpr std::size_t DepthLimit = 16;      // a label file needs 5
 constexpr std::size_t NodeLimit = 2000000;  // some 300,000 labels; a node takes a hundred times the memory of a digit
 
 // Counts lines while the parser reads, because the parser tells positions only of errors.

@@ -9,8 +9,8 @@ namespace vornex {
 
 // The whole file. Throws File_Error when it cannot be read or has more than 64 MiB.
 std::string wholeText(const std::string& path);
-// Takes the next line, without its end; false when there is none. Throws std::invalid_argument when it has more than
-// 128 MiB, room for a label file written in JSON.
+// Takes the next line, without its end; false when there is none. Throws std::invalid_argument when it cannot be
+// read or has more than 128 MiB, room for a label file written in JSON.
 bool nextLine(std::istream& in, std::string& line);
 
 }  // namespace vornex
