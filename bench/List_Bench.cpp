@@ -51,9 +51,7 @@ void sortAlone(benchmark::State& state) {
     }
 }
 
-void sortDriver(QList<RW_VAR>& list) {
-    Bubble_Sort(&list);
-}
+void sortDriver(QList<RW_VAR>& list) { Bubble_Sort(&list); }
 
 BENCHMARK_TEMPLATE(sortAlone, straightforward::sortByPairwiseSwaps)->Name("sort/pairwise_swaps")->Arg(1000);
 BENCHMARK_TEMPLATE(sortAlone, straightforward::stableSort)
@@ -109,12 +107,8 @@ void drain(QByteArray& reply, const QList<RW_VAR>& queue) {
         scene::exchange(reply, 1);
 }
 
-const QList<RW_VAR>& onceQueue() NO_THREAD_SAFETY_ANALYSIS {
-    return PLC_driver.onceReadList;
-}
-const QList<RW_VAR>& writeQueue() NO_THREAD_SAFETY_ANALYSIS {
-    return PLC_driver.writeList;
-}
+const QList<RW_VAR>& onceQueue() NO_THREAD_SAFETY_ANALYSIS { return PLC_driver.onceReadList; }
+const QList<RW_VAR>& writeQueue() NO_THREAD_SAFETY_ANALYSIS { return PLC_driver.writeList; }
 
 void drainOnceQueue(benchmark::State& state) {
     const int count = static_cast<int>(state.range(0));

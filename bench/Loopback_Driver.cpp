@@ -91,6 +91,4 @@ std::unique_ptr<Contender> makeDriverHost(const char* library, int port) {
     return std::unique_ptr<Contender>(new Driver_Host(library, port));
 }
 
-std::unique_ptr<Contender> makePingPong(int port) {
-    return std::unique_ptr<Contender>(new Ping_Pong(port));
-}
+std::unique_ptr<Contender> makePingPong(int port) { return std::unique_ptr<Contender>(new Ping_Pong(port)); }

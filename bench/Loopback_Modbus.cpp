@@ -81,10 +81,6 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Contender> makeModbus(int port) {
-    return std::unique_ptr<Contender>(new Modbus(port));
-}
+std::unique_ptr<Contender> makeModbus(int port) { return std::unique_ptr<Contender>(new Modbus(port)); }
 
-std::unique_ptr<Contender> makeSerialBus(int port) {
-    return std::unique_ptr<Contender>(new Serial_Bus(port));
-}
+std::unique_ptr<Contender> makeSerialBus(int port) { return std::unique_ptr<Contender>(new Serial_Bus(port)); }

@@ -88,9 +88,7 @@ ComInfo& reset(int maxBytesPerRequest) {
     return settings;
 }
 
-QString tag(int number) {
-    return QString::fromLatin1(PlainLabel).arg(number);
-}
+QString tag(int number) { return QString::fromLatin1(PlainLabel).arg(number); }
 
 void passTags(int count) {
     QList<Label_Type_Info> labels;

@@ -88,9 +88,7 @@ bool sameRead(const RW_VAR& a, const RW_VAR& b) {
            a.address == b.address && a.length == b.length && a.areaId == b.areaId;
 }
 
-bool isLower(const RW_VAR& a, const RW_VAR& b) {
-    return static_cast<int>(a.address) < static_cast<int>(b.address);
-}
+bool isLower(const RW_VAR& a, const RW_VAR& b) { return static_cast<int>(a.address) < static_cast<int>(b.address); }
 
 }  // namespace
 
@@ -185,9 +183,7 @@ void sortByPairwiseSwaps(QList<RW_VAR>& list) {
             }
 }
 
-void stableSort(QList<RW_VAR>& list) {
-    std::stable_sort(list.begin(), list.end(), isLower);
-}
+void stableSort(QList<RW_VAR>& list) { std::stable_sort(list.begin(), list.end(), isLower); }
 
 void appendOnce(QList<RW_VAR>& queue, const RW_VAR& read) {
     for (int i = 0; i < queue.size(); ++i)

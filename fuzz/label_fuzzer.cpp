@@ -22,9 +22,7 @@ QString takeText(Fuzz_Input& input) {
     return text;
 }
 
-QString takeName(Fuzz_Input& input) {
-    return QString(QLatin1Char("ABCD"[input.below(4)]));
-}
+QString takeName(Fuzz_Input& input) { return QString(QLatin1Char("ABCD"[input.below(4)])); }
 
 int takeBound(Fuzz_Input& input) {
     static const int extremes[] = {INT_MIN, INT_MIN + 1, -1, INT_MAX - 1, INT_MAX, 0, 1, 65536};

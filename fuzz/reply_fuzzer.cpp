@@ -15,9 +15,7 @@ struct Round {
     int expected = 0;      // reply length
 };
 
-unsigned byteAt(const QByteArray& bytes, int at) {
-    return static_cast<unsigned char>(bytes.at(at));
-}
+unsigned byteAt(const QByteArray& bytes, int at) { return static_cast<unsigned char>(bytes.at(at)); }
 
 // Whether the items of the reply stay in front of its check value; with `image`, puts them there.
 bool walkItems(const QByteArray& frame, const QByteArray& reply, Image* image) {

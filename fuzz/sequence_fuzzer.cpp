@@ -87,9 +87,7 @@ void onNotify(int, int varType, int varId, int state) {
 }
 void onFailure(QList<RW_VAR>*, int, int) {}
 
-unsigned byteAt(const QByteArray& bytes, int at) {
-    return static_cast<unsigned char>(bytes.at(at));
-}
+unsigned byteAt(const QByteArray& bytes, int at) { return static_cast<unsigned char>(bytes.at(at)); }
 quint32 wordAt(const QByteArray& bytes, int at) {
     return byteAt(bytes, at) | byteAt(bytes, at + 1) << 8 | byteAt(bytes, at + 2) << 16 | byteAt(bytes, at + 3) << 24;
 }
@@ -179,7 +177,7 @@ private:
         if (settings.writeMode != 2) return;
         for (int at = 0; at < bytes.size() && queuedWrites() < QueueLimit; at += 1000)
             writes.push_back(Model_Write{label.address + static_cast<quint32>(at), bytes.mid(at, 1000), varId,
-                                      settings.multiStation ? station : settings.stationNo});
+                                         settings.multiStation ? station : settings.stationNo});
     }
 
     void read() {

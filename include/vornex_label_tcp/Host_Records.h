@@ -36,31 +36,31 @@ enum Result_Code {
 
 // One variable request: a read or a write of a run of controller bytes.
 struct RW_VAR {
-    int varType = 0;       // host's type code of the variable; 1 to 11 choose the offset in the error bands
-    int varId = 0;         // host's identifier; (varType, varId) name the variable in callbacks and clean-up
-    int accessMode = 0;    // 0 read, else write
-    int remoteMode = 0;    // copy of ComInfo::remoteMode, never tested
-    int areaId = 0;        // copy of ComInfo::localAreaId; equal to the current one: local area, else remote area
-    int status = 0;        // result code (docs/host-interface.md); -1 in the cyclic list: sent, reply pending
-    QString label;         // label text
-    QString labelIndex;    // decimal number put into a label template; empty means 0
-    int dataType = 0;      // host's data type code; copied, and compared by the duplicate test of one-shot reads
-    quint32 address = 0;   // controller byte address of the first byte
-    int station = 0;       // station (controller) number
-    int length = 0;        // bytes
-    int remoteStore = 0;   // -1: a remote-area reply is stored; request builders set 0
-    int reserved14 = 0;    // request builders set 0
-    QByteArray data;       // bytes to write; empty for reads
+    int varType = 0;      // host's type code of the variable; 1 to 11 choose the offset in the error bands
+    int varId = 0;        // host's identifier; (varType, varId) name the variable in callbacks and clean-up
+    int accessMode = 0;   // 0 read, else write
+    int remoteMode = 0;   // copy of ComInfo::remoteMode, never tested
+    int areaId = 0;       // copy of ComInfo::localAreaId; equal to the current one: local area, else remote area
+    int status = 0;       // result code (docs/host-interface.md); -1 in the cyclic list: sent, reply pending
+    QString label;        // label text
+    QString labelIndex;   // decimal number put into a label template; empty means 0
+    int dataType = 0;     // host's data type code; copied, and compared by the duplicate test of one-shot reads
+    quint32 address = 0;  // controller byte address of the first byte
+    int station = 0;      // station (controller) number
+    int length = 0;       // bytes
+    int remoteStore = 0;  // -1: a remote-area reply is stored; request builders set 0
+    int reserved14 = 0;   // request builders set 0
+    QByteArray data;      // bytes to write; empty for reads
 };
 
 // One prepared request frame and the request it serves.
 struct Protocol {
-    QByteArray frame;          // bytes to send
-    int frameLength = 0;       // bytes of frame, the two check bytes included
-    int replyLength = 0;       // bytes the reply must have; 0: none is expected, -1: any length is taken
-    int replyDataOffset = 0;   // position of the first data item in the reply: 4 for reads, 0 for writes
-    int payloadLength = 0;     // reads: sum of (2 + length) of the requests served; writes: 0
-    RW_VAR request;            // the request served, for a group its first one
+    QByteArray frame;         // bytes to send
+    int frameLength = 0;      // bytes of frame, the two check bytes included
+    int replyLength = 0;      // bytes the reply must have; 0: none is expected, -1: any length is taken
+    int replyDataOffset = 0;  // position of the first data item in the reply: 4 for reads, 0 for writes
+    int payloadLength = 0;    // reads: sum of (2 + length) of the requests served; writes: 0
+    RW_VAR request;           // the request served, for a group its first one
     int spare1 = 0;
     int spare2 = 0;
     int spare3 = 0;
@@ -93,13 +93,13 @@ struct ComInfo {
 
 // The host's definition of one variable to poll.
 struct HOST_VAR {
-    quint8 hostByte = 0;  // the host's own, not read
-    quint8 dataType = 0;  // host's data type code, copied to the request
-    quint8 station = 0;   // used while ComInfo::multiStation is nonzero
+    quint8 hostByte = 0;                               // the host's own, not read
+    quint8 dataType = 0;                               // host's data type code, copied to the request
+    quint8 station = 0;                                // used while ComInfo::multiStation is nonzero
     quint8 hostData[VORNEX_HOST_VAR_DATA_BYTES] = {};  // the host's own, not read
-    QString labelIndex;   // decimal number put into a label template; empty means 0
-    QString label;        // label text
-    int count = 0;        // size of the variable: bytes for type codes 1, 2, 10, 11; 16-bit words for 3 to 9
+    QString labelIndex;                                // decimal number put into a label template; empty means 0
+    QString label;                                     // label text
+    int count = 0;  // size of the variable: bytes for type codes 1, 2, 10, 11; 16-bit words for 3 to 9
 };
 
 // Reports that a variable's write or one-shot read is finished: state 1 good, 2 given up. Runs on the thread that

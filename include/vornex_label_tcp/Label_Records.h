@@ -24,17 +24,17 @@ enum { StructTypeCode = 12 };
 // One label definition. Recursive: a structure type holds its members, and a member of structure type holds its
 // structure type in elementType.
 struct Label_Type_Info {
-    QString name;                         // label or member name, compared exactly
-    quint16 typeFlags = 0;                // see Label_Flag
-    quint32 address = 0;                  // label: controller byte address; member: byte offset in its structure;
-                                          // structure type: bytes of one structure
-    quint32 dimensionCount = 0;           // array dimensions, when LabelIsArray is set
-    quint32 memberCount = 0;              // members of a structure type
-    QList<int> dimensions;                // radix of the indexes, then lowest index and end (one past the highest)
-                                          // of each dimension, outermost first: 1 + 2 * dimensionCount entries
-    QList<Label_Type_Info> members;       // members of a structure type, in declaration order
-    QList<Label_Type_Info> elementType;   // type code 12: the first entry is the structure type
-    QString auxText;                      // this and the following: the host's own, carried and never read
+    QString name;                        // label or member name, compared exactly
+    quint16 typeFlags = 0;               // see Label_Flag
+    quint32 address = 0;                 // label: controller byte address; member: byte offset in its structure;
+                                         // structure type: bytes of one structure
+    quint32 dimensionCount = 0;          // array dimensions, when LabelIsArray is set
+    quint32 memberCount = 0;             // members of a structure type
+    QList<int> dimensions;               // radix of the indexes, then lowest index and end (one past the highest)
+                                         // of each dimension, outermost first: 1 + 2 * dimensionCount entries
+    QList<Label_Type_Info> members;      // members of a structure type, in declaration order
+    QList<Label_Type_Info> elementType;  // type code 12: the first entry is the structure type
+    QString auxText;                     // this and the following: the host's own, carried and never read
     qint32 auxValue1 = 0;
     qint32 auxValue2 = 0;
     QList<int> auxIntList;
@@ -43,9 +43,9 @@ struct Label_Type_Info {
 
 // A resolved label.
 struct ControlInformationM {
-    quint8 typeCode = 0;   // type code of the element, 1 to 11; 0: the definition names no type
-    quint32 address = 0;   // controller byte address of the element's first byte
-    qint32 reserved = 0;   // the host's own, never read
+    quint8 typeCode = 0;  // type code of the element, 1 to 11; 0: the definition names no type
+    quint32 address = 0;  // controller byte address of the element's first byte
+    qint32 reserved = 0;  // the host's own, never read
 };
 
 namespace vornex_label_records_layout {

@@ -12,20 +12,13 @@ int CountToBytes(int typeCode, int count) {
     long long bytes = wide;
     switch (typeCode) {
         case 3:
-        case 4:
-            bytes = 2 * wide;
-            break;
+        case 4: bytes = 2 * wide; break;
         case 5:
         case 6:
-        case 7:
-            bytes = (wide + 1) / 2 * 4;
-            break;
+        case 7: bytes = (wide + 1) / 2 * 4; break;
         case 8:
-        case 9:
-            bytes = (wide + 3) / 4 * 8;
-            break;
-        default:
-            break;
+        case 9: bytes = (wide + 3) / 4 * 8; break;
+        default: break;
     }
     if (bytes > INT_MAX) return INT_MAX;
     return bytes < INT_MIN ? INT_MIN : static_cast<int>(bytes);

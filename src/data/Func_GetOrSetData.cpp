@@ -16,9 +16,7 @@ enum { WriteChunkBytes = 1000 };
 enum { WordPerByteCode = 2 };
 
 // What the host finds for a label that does not resolve.
-QByteArray zeroValue(int count) {
-    return QByteArray(heldValueBytes(2LL * count), '\0');
-}
+QByteArray zeroValue(int count) { return QByteArray(heldValueBytes(2LL * count), '\0'); }
 
 // The host's value as controller bytes; empty for types that cannot be written.
 QByteArray controllerBytes(int typeCode, int count, const QByteArray& data) {

@@ -34,8 +34,8 @@ void removeQueued(QList<RW_VAR>& queue, int place) {
 }
 
 void passRetValue(const RW_VAR& source, RW_VAR& target) {
-    // Copied aside and moved in: the strings are let go by our own code, where the thread sanitizer sees their counters;
-    // inside Qt, which is not built for it, it would take the last owner's release for a race.
+    // Copied aside and moved in: the strings are let go by our own code, where the thread sanitizer sees their
+    // counters; inside Qt, which is not built for it, it would take the last owner's release for a race.
     RW_VAR copy = source;
     copy.data = QByteArray();
     target = std::move(copy);

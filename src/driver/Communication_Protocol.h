@@ -50,8 +50,8 @@ public:
     int writeBurst GUARDED_BY(listMutex);                // writes served in a row
     int onceReadBurst GUARDED_BY(listMutex);             // one-shot reads served in a row
     int cycleCount GUARDED_BY(listMutex);                // local requests done towards the first full cyclic pass
-    bool commFailed;  // atomic: the driver gave up and no good reply has come since
-    bool spareFlag;   // never used
+    bool commFailed;                                     // atomic: the driver gave up and no good reply has come since
+    bool spareFlag;                                      // never used
     // Reads that the frame in flight serves. Changed under the lock by the exchange thread alone, which may therefore
     // read it without.
     QList<RW_VAR> groupList GUARDED_BY(listMutex);
@@ -59,7 +59,7 @@ public:
     QHash<unsigned int, unsigned char> dataImage GUARDED_BY(dataMutex);  // entries are never removed
     QHash<QString, ControlInformationM> labelCache GUARDED_BY(labelMutex);
     Driver_Mutex labelMutex;
-    quint32 labelGeneration GUARDED_BY(labelMutex);  // counts label deliveries, so that no stale record is cached
+    quint32 labelGeneration GUARDED_BY(labelMutex);       // counts label deliveries, so that no stale record is cached
     Once_Read_Index onceReadIndex GUARDED_BY(listMutex);  // which reads onceReadList holds
 
 private:

@@ -37,30 +37,20 @@ void FlashLocalRegister(void* localBits, void* localWords, void* indexWords) {
     RWI = indexWords;
 }
 
-void EnableEthernet(int station, int flag) {
-    switchStation(station, flag);
-}
+void EnableEthernet(int station, int flag) { switchStation(station, flag); }
 
-void EnCommStation(int station, int flag) {
-    switchStation(station, flag);
-}
+void EnCommStation(int station, int flag) { switchStation(station, flag); }
 
 bool Ethernetcontains(int station) {
     const Mutex_Lock lock(PLC_driver.stationMutex);
     return PLC_driver.stationMap.contains(station);
 }
 
-int QueryFinishFlag() {
-    return 1;
-}
+int QueryFinishFlag() { return 1; }
 
-int PLCAddressChangeIntef(int kind, QString text) {
-    return StringAddressToInt(kind, text);
-}
+int PLCAddressChangeIntef(int kind, QString text) { return StringAddressToInt(kind, text); }
 
-int StringAddressToInt(int, QString) {
-    return 0;
-}
+int StringAddressToInt(int, QString) { return 0; }
 
 void Remote_ReadVar(RW_VAR*) {}
 

@@ -11,13 +11,9 @@ namespace {
 // Third argument of the notify callback.
 enum Notify_State { StateGood = 1, StateGivenUp = 2 };
 
-bool isLocal(const RW_VAR& request) {
-    return request.areaId == PLC_driver.comInfo->localAreaId;
-}
+bool isLocal(const RW_VAR& request) { return request.areaId == PLC_driver.comInfo->localAreaId; }
 
-bool lengthDiffers(int expected, int length) {
-    return expected != length && expected != -1;
-}
+bool lengthDiffers(int expected, int length) { return expected != length && expected != -1; }
 
 void storeReply(QByteArray& reply) {
     const Mutex_Lock lock(PLC_driver.dataMutex);
@@ -50,9 +46,7 @@ int checkReply(QByteArray* reply, int length, bool local) {
     return local ? checkLocalReply(bytes, length, expected) : checkRemoteReply(bytes, length, expected);
 }
 
-bool sameVariable(const RW_VAR& a, const RW_VAR& b) {
-    return a.varType == b.varType && a.varId == b.varId;
-}
+bool sameVariable(const RW_VAR& a, const RW_VAR& b) { return a.varType == b.varType && a.varId == b.varId; }
 
 void notify(const RW_VAR& finished, Notify_State state) {
     if (PLC_driver.notifyFunc != nullptr)
@@ -158,9 +152,7 @@ void countGoodReply(int code, bool local) EXCLUDES(PLC_driver.listMutex) {
 }
 
 // Only the exchange thread touches the record; the host reads it on that thread between two calls.
-RW_VAR& resultRecord() NO_THREAD_SAFETY_ANALYSIS {
-    return PLC_driver.result;
-}
+RW_VAR& resultRecord() NO_THREAD_SAFETY_ANALYSIS { return PLC_driver.result; }
 
 }  // namespace
 
@@ -179,24 +171,15 @@ RW_VAR* DataCom(QByteArray* reply, int length) {
 
 int GetDriverReturnValue(int check) {
     switch (check) {
-        case CheckAccepted:
-            return ResultGood;
-        case CheckBadReply:
-            return SwitchErrorReturn(ResultBadReply - 1);
-        case CheckNoReply:
-            return SwitchErrorReturn(ResultNoReply - 1);
-        case CheckWrongLength:
-            return SwitchErrorReturn(ResultWrongLength - 1);
-        case CheckRemoteNotStored:
-            return ResultGoodRemote;
-        case CheckRemoteBadReply:
-            return SwitchErrorReturn(ResultRemoteBadReply - 1);
-        case CheckRemoteNoReply:
-            return SwitchErrorReturn(ResultRemoteNoReply - 1);
-        case CheckRemoteWrongLength:
-            return SwitchErrorReturn(ResultRemoteWrongLength - 1);
-        default:
-            return ResultUnknownCheck;
+        case CheckAccepted: return ResultGood;
+        case CheckBadReply: return SwitchErrorReturn(ResultBadReply - 1);
+        case CheckNoReply: return SwitchErrorReturn(ResultNoReply - 1);
+        case CheckWrongLength: return SwitchErrorReturn(ResultWrongLength - 1);
+        case CheckRemoteNotStored: return ResultGoodRemote;
+        case CheckRemoteBadReply: return SwitchErrorReturn(ResultRemoteBadReply - 1);
+        case CheckRemoteNoReply: return SwitchErrorReturn(ResultRemoteNoReply - 1);
+        case CheckRemoteWrongLength: return SwitchErrorReturn(ResultRemoteWrongLength - 1);
+        default: return ResultUnknownCheck;
     }
 }
 

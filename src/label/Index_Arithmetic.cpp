@@ -119,9 +119,7 @@ bool get_label_address_array_split(QString& segment, QString& indexList) {
 }
 
 // Hardly any label holds a "%" at all, and one character is found much faster than two.
-bool hasMark(const QString& text) {
-    return text.contains(QLatin1Char('%')) && text.contains(QLatin1String(Mark));
-}
+bool hasMark(const QString& text) { return text.contains(QLatin1Char('%')) && text.contains(QLatin1String(Mark)); }
 
 int get_label_address_array_memory_index(QString indexList, int dimensionCount, const QList<int>& dimensions,
                                          unsigned int& element) {

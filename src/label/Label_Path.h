@@ -17,9 +17,7 @@ inline Text_View viewOf(const QString& text) {
     return view;
 }
 
-inline QString textOf(const Text_View& view) {
-    return QString(view.begin, view.size);
-}
+inline QString textOf(const Text_View& view) { return QString(view.begin, view.size); }
 
 bool equals(const Text_View& view, const QString& text);
 

@@ -106,9 +106,7 @@ int resolve(const QString& label, ControlInformationM& info) {
 
 }  // namespace
 
-int get_label_address(QString label, ControlInformationM& info) {
-    return resolve(label, info);
-}
+int get_label_address(QString label, ControlInformationM& info) { return resolve(label, info); }
 
 int get_label_address_1(const Label_Type_Info& entry, const QStringList& path, int segment, ControlInformationM& info) {
     Label_Path rest;
@@ -132,9 +130,7 @@ int get_label_address(QString& label, int index) {
     return result;
 }
 
-int get_label_address_query(const QStringList&, int) {
-    return LabelOk;
-}
+int get_label_address_query(const QStringList&, int) { return LabelOk; }
 
 Host_Label resolveHostLabel(QString& label, const QString& labelIndex, ControlInformationM& info) {
     if (hasMark(label) && get_label_address(label, labelIndex.toInt()) != LabelOk) return HostLabelNotRewritten;

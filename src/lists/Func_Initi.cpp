@@ -89,9 +89,7 @@ void Bubble_Sort(QList<RW_VAR>* list) {
     }
 }
 
-void BitVarReCreat(QList<RW_VAR>* list, int maxLength) {
-    pack(Sorted_Requests(*list), maxLength, PLC_driver.readList);
-}
+void BitVarReCreat(QList<RW_VAR>* list, int maxLength) { pack(Sorted_Requests(*list), maxLength, PLC_driver.readList); }
 
 void WhetherGroup(int total, int maximum, RW_VAR* request, QList<RW_VAR>* list) {
     if (maximum < 1) return;

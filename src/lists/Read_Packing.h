@@ -11,20 +11,14 @@
 #include "lists/Func_Initi.h"
 
 // Addresses count as signed numbers here, and their sums in 64 bits.
-inline qint64 signedAddress(quint32 address) {
-    return static_cast<qint32>(address);
-}
+inline qint64 signedAddress(quint32 address) { return static_cast<qint32>(address); }
 
 // Sort key: the address, made unsigned so that order is kept, then the place of what it belongs to.
 inline quint64 sortKey(quint32 address, int place) {
     return static_cast<quint64>(address ^ 0x80000000u) << 32 | static_cast<quint32>(place);
 }
-inline int placeOf(quint64 key) {
-    return static_cast<int>(key & 0x7FFFFFFF);
-}
-inline quint32 addressOf(quint64 key) {
-    return static_cast<quint32>(key >> 32) ^ 0x80000000u;
-}
+inline int placeOf(quint64 key) { return static_cast<int>(key & 0x7FFFFFFF); }
+inline quint32 addressOf(quint64 key) { return static_cast<quint32>(key >> 32) ^ 0x80000000u; }
 
 // Sorts keys by their addresses; equal addresses keep their order. The cost is linear in the number of keys.
 void sortByAddress(QVector<quint64>& keys);

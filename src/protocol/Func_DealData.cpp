@@ -7,9 +7,7 @@
 namespace {
 
 // groupList is changed by the exchange thread alone, and only that thread stores replies.
-const QList<RW_VAR>& servedRequests() NO_THREAD_SAFETY_ANALYSIS {
-    return PLC_driver.groupList;
-}
+const QList<RW_VAR>& servedRequests() NO_THREAD_SAFETY_ANALYSIS { return PLC_driver.groupList; }
 
 // A reader over the item area: from the first item to the check value.
 Reply_Reader itemReader(const QByteArray& reply) {

@@ -33,9 +33,7 @@ int itemBytes(const QList<RW_VAR>& ranges) {
 
 }  // namespace
 
-void ReadRegister(RW_VAR* request) {
-    ReadAnalog(request);
-}
+void ReadRegister(RW_VAR* request) { ReadAnalog(request); }
 
 void ReadAnalog(RW_VAR* request) {
     Protocol protocol;

@@ -6,13 +6,9 @@
 
 #include "driver/Communication_Protocol.h"
 
-inline QByteArray hex(const char* text) {
-    return QByteArray::fromHex(text);
-}
+inline QByteArray hex(const char* text) { return QByteArray::fromHex(text); }
 
-inline QString text(const char* latin1) {
-    return QString::fromLatin1(latin1);
-}
+inline QString text(const char* latin1) { return QString::fromLatin1(latin1); }
 
 // CRC-16/XMODEM bit by bit: slow, obvious, and not the code under test.
 inline unsigned slowCrc(const QByteArray& bytes) {

@@ -123,9 +123,8 @@ TEST_F(Scheduler, StationSwitch) {
         QList<QList<int>> calls;  // station, flag
         bool fourDisabled;
     } rows[] = {
-        {{{4, 0}}, true},           {{{4, 0}, {4, 0}, {4, 1}}, false}, {{{4, 1}}, false},
-        {{{4, 0}, {4, 2}}, true},   {{{4, 2}}, false},                 {{{4, 0}, {-1, 1}}, false},
-        {{{4, 0}, {-9, 0}}, false},
+        {{{4, 0}}, true},  {{{4, 0}, {4, 0}, {4, 1}}, false}, {{{4, 1}}, false},          {{{4, 0}, {4, 2}}, true},
+        {{{4, 2}}, false}, {{{4, 0}, {-1, 1}}, false},        {{{4, 0}, {-9, 0}}, false},
     };
     for (const auto& row : rows) {
         EnCommStation(-1, 1);
@@ -166,7 +165,10 @@ struct Band_Row {
 
 TEST_F(Dispatch, FailedRepliesAreRetriedThenGivenUpWithTheirBand) {
     const auto shorter = [](QByteArray good) { return good.left(good.size() - 1); };
-    const auto flipped = [](QByteArray good) { good[5] = static_cast<char>(good.at(5) ^ 1); return good; };
+    const auto flipped = [](QByteArray good) {
+        good[5] = static_cast<char>(good.at(5) ^ 1);
+        return good;
+    };
     const auto counted = [](QByteArray good) {  // the count is wrong, the check value right
         good.chop(2);
         good[4] = static_cast<char>(good.at(4) + 1);
@@ -174,10 +176,14 @@ TEST_F(Dispatch, FailedRepliesAreRetriedThenGivenUpWithTheirBand) {
     };
     const auto none = [](QByteArray) { return QByteArray(); };
     const Band_Row rows[] = {
-        {"local check value", true, flipped, 11},   {"local item count", true, counted, 11},
-        {"local empty", true, none, 41},            {"local length", true, shorter, 71},
-        {"remote check value", false, flipped, 111}, {"remote item count", false, counted, 111},
-        {"remote empty", false, none, 141},         {"remote length", false, shorter, 171},
+        {"local check value", true, flipped, 11},
+        {"local item count", true, counted, 11},
+        {"local empty", true, none, 41},
+        {"local length", true, shorter, 71},
+        {"remote check value", false, flipped, 111},
+        {"remote item count", false, counted, 111},
+        {"remote empty", false, none, 141},
+        {"remote length", false, shorter, 171},
     };
     for (const Band_Row& row : rows)
         for (int varType : {0, 1, 3, 11, 12, -1}) {

@@ -75,8 +75,8 @@ TEST(Check_Functions, SumsAndDigits) {
     const int digits[][2] = {{-1, 47}, {0, 48}, {9, 57}, {10, 65}, {15, 70}, {35, 90}};
     for (const auto& row : digits)
         EXPECT_EQ(row[1], DigitalToASCII(row[0])) << row[0];
-    const int codes[][2] = {{-5, 0},    {' ', 0},  {'/', 0},  {'0', 0},  {'9', 9}, {':', 10},
-                            {'?', 15},  {'@', 0},  {'A', 10}, {'F', 15}, {'Z', 35}, {'a', 42}};
+    const int codes[][2] = {{-5, 0},   {' ', 0}, {'/', 0},  {'0', 0},  {'9', 9},  {':', 10},
+                            {'?', 15}, {'@', 0}, {'A', 10}, {'F', 15}, {'Z', 35}, {'a', 42}};
     for (const auto& row : codes)
         EXPECT_EQ(row[1], ASCIIToDigital(row[0])) << row[0];
 }
@@ -94,7 +94,9 @@ TEST_F(Frames, ReadFramesByteForByte) {
     const Read_Row rows[] = {
         {{makeRequest(0x1000, 4)}, "02 06 00 41 00 10 00 00 04 00 11 29", 12, 6},
         {{makeRequest(0x100, 2), makeRequest(0x200, 10)},
-         "02 0C 00 41 00 01 00 00 02 00 00 02 00 00 0A 00 8A 1F", 22, 16},
+         "02 0C 00 41 00 01 00 00 02 00 00 02 00 00 0A 00 8A 1F",
+         22,
+         16},
         {{makeRequest(0x12345678, 0x1F4)}, "02 06 00 41 78 56 34 12 F4 01 D9 75", 508, 502},
         {{}, "02 00 00 41 8D B5", 6, 0},
     };
@@ -202,7 +204,10 @@ TEST_F(Frames, ReplyItemsAreStoredAtTheirRequests) {
     const Store_Row rows[] = {
         {"both items", two, sealed(hex("00000000 0200AABB 02000102")), {0x100, 0x101, 0x200, 0x201}, "AABB0102"},
         {"a count of 0", two, sealed(hex("00000000 0000 02000102 0000")), {0x200, 0x201}, "0102"},
-        {"a larger count that fits", two, sealed(hex("00000000 0300AABBCC 010001")), {0x100, 0x101, 0x102, 0x200},
+        {"a larger count that fits",
+         two,
+         sealed(hex("00000000 0300AABBCC 010001")),
+         {0x100, 0x101, 0x102, 0x200},
          "AABBCC01"},
         {"addresses wrap", {makeRequest(0xFFFFFFFF, 2)}, sealed(hex("00000000 02000102")), {0xFFFFFFFF, 0}, "0102"},
         {"a count past the item area", two, sealed(hex("00000000 0200AABB 03000102")), {}, ""},

@@ -192,7 +192,7 @@ TEST_F(Labels, OneSegmentOfATemplate) {
         const char* entry;
         const char* segment;
         int result;
-    } rows[] = {{"Table", "Table", 1},   {"Table", "Table%%", 2}, {"Table", "Table]%%[", 2},
+    } rows[] = {{"Table", "Table", 1},   {"Table", "Table%%", 2},  {"Table", "Table]%%[", 2},
                 {"Table", "Table[", 2},  {"Table", "Table[1]", 0}, {"Short", "Short[%%]", 2},
                 {"Flat", "Flat[%%]", 2}, {"Radix37", "R[%%]", 2}};
     for (const auto& row : rows) {

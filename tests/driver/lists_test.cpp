@@ -52,7 +52,9 @@ TEST_F(Lists, PackingOfSortedDefinitions) {
         Ranges wanted;
         Ranges packed;
     } rows[] = {
-        {"worked example", 100, {{0, 10}, {20, 4}, {50, 80}, {200, 30}, {210, 5}, {300, 250}},
+        {"worked example",
+         100,
+         {{0, 10}, {20, 4}, {50, 80}, {200, 30}, {210, 5}, {300, 250}},
          {{0, 100}, {100, 30}, {200, 30}, {300, 100}, {400, 100}, {500, 50}}},
         {"next start at the limit", 100, {{0, 100}, {100, 1}}, {{0, 100}, {100, 1}}},
         {"last byte inside the reach", 100, {{0, 1}, {99, 1}}, {{0, 100}}},
@@ -130,8 +132,8 @@ TEST_F(Lists, ARebuildResolvesEachDefinition) {
     settings.stationNo = 3;
     PLC_driver.cycleCount = 9;
     settings.finishFlag = 1;
-    QList<HOST_VAR> definitions = {definition("W", 3),      definition("D", 3),        definition("Q", 5),
-                                   definition("Nope", 1),   definition("M", 1),        definition("Odd", 1),
+    QList<HOST_VAR> definitions = {definition("W", 3),          definition("D", 3),        definition("Q", 5),
+                                   definition("Nope", 1),       definition("M", 1),        definition("Odd", 1),
                                    definition("T[%%]", 1, "5"), definition("Nope[%%]", 1), definition("S", 7)};
     definitions[0].station = 200;
     definitions[0].dataType = 250;

@@ -82,9 +82,7 @@ void Tcp_Host::close() {
     socket = -1;
 }
 
-bool Tcp_Host::bytesWait() const {
-    return ready(socket, POLLIN, 0);
-}
+bool Tcp_Host::bytesWait() const { return ready(socket, POLLIN, 0); }
 
 // Exactly the bytes that the reply must have. False when they do not come in time.
 bool Tcp_Host::collect(const Protocol& protocol, std::string& reply) {

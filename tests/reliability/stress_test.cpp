@@ -23,11 +23,10 @@ long wantedExchanges() {
 
 // Every kind of fault but the controller's death, together at 5 of 100 requests. Prime periods mix them all.
 const std::vector<std::string> EveryFault = {
-    "drop@every=347",       "delay(5,40)@every=349",  "late(3)@every=353",     "crc@every=359",
-    "flip@every=367",       "short@every=373",        "long@every=379",        "empty@every=383",
-    "junk@every=389",       "header@every=397",       "count@every=401",       "swap@every=409",
-    "stale@every=419",      "dup@every=421",          "slice(90,1)@every=431", "glue@every=433",
-    "rst(5)@every=439",     "fin(7)@every=443",       "refuse(20)@every=449",  "stall(40)@every=457"};
+    "drop@every=347",  "delay(5,40)@every=349", "late(3)@every=353", "crc@every=359",        "flip@every=367",
+    "short@every=373", "long@every=379",        "empty@every=383",   "junk@every=389",       "header@every=397",
+    "count@every=401", "swap@every=409",        "stale@every=419",   "dup@every=421",        "slice(90,1)@every=431",
+    "glue@every=433",  "rst(5)@every=439",      "fin(7)@every=443",  "refuse(20)@every=449", "stall(40)@every=457"};
 
 std::vector<std::string> withFaults(std::vector<std::string> arguments, const std::vector<std::string>& faults) {
     for (const std::string& fault : faults)

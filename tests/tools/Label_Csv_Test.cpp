@@ -80,7 +80,9 @@ TEST(Label_Csv, namesLineAndColumnOfMistakes) {
         {"kind,name,type,at\nmember,T.A,3,0\n", "f:2:8: there is no row for the structure 'T'"},
         {"kind,name,type,at\nmember,A,3,0\n", "f:2:8: a member's name is STRUCTURE.MEMBER"},
         {"kind,name,size\nstruct,T,4\nstruct,T,4\n", "f:3:8: structure 'T' stands twice"},
-        {"kind,name,type,at,unit\nlabel,A,3,0,\xB0""C\n", "f:2:13: the text is not UTF-8"},
+        {"kind,name,type,at,unit\nlabel,A,3,0,\xB0"
+         "C\n",
+         "f:2:13: the text is not UTF-8"},
         {"kind,name,type,at,unit\nlabel,A,3,0,\"\xED\xA0\x80\"\n", "f:2:13: the text is not UTF-8"},
         {"kind,name,type,at,unit\nlabel,A,3,0,\xC3\n", "f:2:13: the text is not UTF-8"},
         // only all rows together show these; a cell with a line end in it counts its lines

@@ -16,9 +16,7 @@ std::string errorOf(const std::string& text) {
 }
 
 // A file with one label, or with the structure S and one label.
-std::string withLabel(const std::string& label) {
-    return "{\"format\":1,\n\"labels\":[\n{" + label + "}]}";
-}
+std::string withLabel(const std::string& label) { return "{\"format\":1,\n\"labels\":[\n{" + label + "}]}"; }
 std::string withStruct(const std::string& type) {
     return "{\"format\":1,\"structs\":{\n\"S\":{" + type + "}},\"labels\":[]}";
 }

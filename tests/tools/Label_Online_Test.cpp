@@ -130,10 +130,8 @@ TEST(Online, neverShowsTheReplyToAnotherRequest) {
 TEST(Online, namesWhatWasWrongWithAReply) {
     const std::pair<const char*, const char*> rows[] = {
         {"junk@n=1", "check value is wrong"},  // and no item count that was asked for, which is the lesser news
-        {"crc@n=1", "check value is wrong"},
-        {"count@n=1", "item counts are not those asked for"},
-        {"short@n=1", "no complete reply"},
-        {"long@n=1", "more"},
+        {"crc@n=1", "check value is wrong"},  {"count@n=1", "item counts are not those asked for"},
+        {"short@n=1", "no complete reply"},   {"long@n=1", "more"},
     };
     for (const auto& row : rows) {
         Sim_Process sim({"-l", PLANT, "-q", "--fault", row.first});
@@ -186,7 +184,8 @@ TEST(Online, aRecordWithATableReplays) {
 // What only needs the beginning of an array does not hold the rest of it.
 TEST(Online, arraysOfMillionsAreWrittenButNotListed) {
     const std::string file = std::string(WORK_DIR) + "/millions.json";
-    std::ofstream(file) << R"({"format": 1, "structs": {"S": {"size": 4, "members": [{"name": "Id", "type": "3", "at": 0}]}},
+    std::ofstream(file)
+        << R"({"format": 1, "structs": {"S": {"size": 4, "members": [{"name": "Id", "type": "3", "at": 0}]}},
         "labels": [{"name": "Big", "type": "1[0..1999999]", "at": 0}, {"name": "S", "type": "S[0..900000000]", "at": 0}]})";
     const struct {
         const char* arguments;

@@ -48,7 +48,11 @@ TEST(ValueView, showsBytesAsTheViewSays) {
         {View::Hex, "01 02 03 04 05 06 07 08 09", "01 02 03 04 05 06 07 08 09", "\"01 02 03 04 05 06 07 08 09\""},
         {View::Bytes, "F4 01", "F4 01", "\"F4 01\""},
         {View::Text, "48 69 00 58", "Hi", "\"Hi\""},
-        {View::Text, "C2 B0 43 FF 0A 22", "\xC2\xB0"  "C\\xFF\\x0A\"", "\"\xC2\xB0" "C\\\\xFF\\\\x0A\\\"\""},
+        {View::Text, "C2 B0 43 FF 0A 22",
+         "\xC2\xB0"
+         "C\\xFF\\x0A\"",
+         "\"\xC2\xB0"
+         "C\\\\xFF\\\\x0A\\\"\""},
         {View::U32, "01 02", "01 02", "\"01 02\""},  // not the view's width: the bytes, not a guess
     };
     for (const auto& row : rows) {
@@ -102,8 +106,10 @@ TEST(ValueView, parsesWithinTheRangeOfTheViewAlone) {
         }
         const std::string expected = row.bytes;
         const bool reason = expected.find_first_of("ghijklmnopqrstuvwxyz") != std::string::npos;
-        if (reason) EXPECT_NE(outcome.find(expected), std::string::npos) << row.text << ": " << outcome;
-        else EXPECT_EQ(outcome, expected) << row.text;
+        if (reason)
+            EXPECT_NE(outcome.find(expected), std::string::npos) << row.text << ": " << outcome;
+        else
+            EXPECT_EQ(outcome, expected) << row.text;
     }
 }
 
@@ -200,10 +206,10 @@ TEST(WatchCondition, comparesNumbersAndTexts) {
         Value value;
         bool met;
     } rows[] = {
-        {"Speed>100", 101, true},          {"Speed > 100", 100, false},        {"Speed>=100", 100, true},
-        {"Grid[0,1]<-1", -2, true},        {"Speed!=5", 5, false},             {"On==true", true, true},
-        {"On==1", true, true},             {"Drive==0x10", "0x0010", true},    {"Name==Hi", "Hi", true},
-        {"Name>Hi", "Hj", false},          {"Speed>=0", Value(), false},       {"Speed!=5", Value(), false},
+        {"Speed>100", 101, true},   {"Speed > 100", 100, false},     {"Speed>=100", 100, true},
+        {"Grid[0,1]<-1", -2, true}, {"Speed!=5", 5, false},          {"On==true", true, true},
+        {"On==1", true, true},      {"Drive==0x10", "0x0010", true}, {"Name==Hi", "Hi", true},
+        {"Name>Hi", "Hj", false},   {"Speed>=0", Value(), false},    {"Speed!=5", Value(), false},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(parseCondition(row.condition).metBy(row.value), row.met) << row.condition << " " << row.value.shown();

@@ -209,9 +209,7 @@ TEST(Sim_Pattern, bytesBelongToTheirAddress) {
     EXPECT_EQ(checkPattern(100, {0x7a, 0x66}, generation), 1u);
 }
 
-Plant makePlant(const char* labels) {
-    return Plant(parseLabelFile(labels, "f"), Pattern(), 1);
-}
+Plant makePlant(const char* labels) { return Plant(parseLabelFile(labels, "f"), Pattern(), 1); }
 
 TEST(Sim_Plant, aWriteStopsTheMotionItHits) {
     Plant plant =

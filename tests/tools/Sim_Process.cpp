@@ -35,9 +35,7 @@ bool waitReadable(int descriptor, double until) {
     }
 }
 
-int digitOf(char c) {
-    return c <= '9' ? c - '0' : c - 'a' + 10;
-}
+int digitOf(char c) { return c <= '9' ? c - '0' : c - 'a' + 10; }
 
 }  // namespace
 
@@ -135,9 +133,7 @@ Raw_Client::Raw_Client(int port) {
     connected = ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-Raw_Client::~Raw_Client() {
-    ::close(socket);
-}
+Raw_Client::~Raw_Client() { ::close(socket); }
 
 void Raw_Client::send(const std::string& hex) {
     std::string bytes;

@@ -20,9 +20,7 @@ const char* const Answer = "02 06 00 41 04 00 11 22 33 44 1d 3a";
 const char* const ReadTwo = "02 0c 00 41 00 10 00 00 01 00 01 10 00 00 03 00 6a e5";  // 1 from 4096, 3 from 4097
 const char* const AnswerTwo = "02 08 00 41 01 00 11 03 00 22 33 44 9b 56";
 
-std::size_t bytesIn(const std::string& hex) {
-    return (hex.size() + 1) / 3;
-}
+std::size_t bytesIn(const std::string& hex) { return (hex.size() + 1) / 3; }
 
 // The summary of a simulator that was started with "-o json".
 std::string summaryOf(Sim_Process& sim, int exitCode = 0) {

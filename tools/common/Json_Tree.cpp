@@ -147,20 +147,13 @@ Json_Node parseJson(const std::string& text, const std::string& path) {
 
 const char* kindName(Json_Node::Kind kind) {
     switch (kind) {
-        case Json_Node::Kind::Null:
-            return "null";
-        case Json_Node::Kind::Bool:
-            return "true or false";
-        case Json_Node::Kind::Integer:
-            return "a whole number";
-        case Json_Node::Kind::Real:
-            return "a number";
-        case Json_Node::Kind::String:
-            return "a text";
-        case Json_Node::Kind::Array:
-            return "a list";
-        case Json_Node::Kind::Object:
-            return "an object";
+        case Json_Node::Kind::Null: return "null";
+        case Json_Node::Kind::Bool: return "true or false";
+        case Json_Node::Kind::Integer: return "a whole number";
+        case Json_Node::Kind::Real: return "a number";
+        case Json_Node::Kind::String: return "a text";
+        case Json_Node::Kind::Array: return "a list";
+        case Json_Node::Kind::Object: return "an object";
     }
     return "something else";
 }

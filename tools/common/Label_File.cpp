@@ -88,18 +88,14 @@ void readType(const Place& place, const Json_Node& object, Label& label) {
 std::uint32_t viewBytes(View view) {
     switch (view) {
         case View::U16:
-        case View::S16:
-            return 2;
+        case View::S16: return 2;
         case View::U32:
         case View::S32:
-        case View::F32:
-            return 4;
+        case View::F32: return 4;
         case View::U64:
         case View::S64:
-        case View::F64:
-            return 8;
-        default:
-            return 1;
+        case View::F64: return 8;
+        default: return 1;
     }
 }
 
@@ -208,8 +204,10 @@ void checkMembers(const Label_File& file, const Place& place) {
     for (const Label& label : file.labels) {
         count += membersBelow(file, label.type, known);
         if (count <= MemberLimit) continue;
-        place.about("label", label.name).fail(label.line, "with its structures spelled out, the file has more than a "
-                                                          "million members up to here");
+        place.about("label", label.name)
+            .fail(label.line,
+                  "with its structures spelled out, the file has more than a "
+                  "million members up to here");
     }
 }
 
@@ -279,9 +277,7 @@ Label_File parseLabelFile(const std::string& text, const std::string& path) {
     return labelFileOf(parseJson(text, path), path);
 }
 
-Label_File readLabelFile(const std::string& path) {
-    return parseLabels(wholeText(path), path);
-}
+Label_File readLabelFile(const std::string& path) { return parseLabels(wholeText(path), path); }
 
 Label_File parseLabels(const std::string& text, const std::string& path) {
     const std::size_t dot = path.rfind('.');

@@ -99,9 +99,8 @@ public:
             const std::uint64_t reach = LongestValue / elementBytes(file, label.type);
             return chosen->empty() || elements(label, path, start, *chosen->begin(), *std::prev(chosen->end()) + reach);
         }
-        return std::all_of(chosen->begin(), chosen->end(), [&](std::uint64_t number) {
-            return elements(label, path, start, number, number);
-        });
+        return std::all_of(chosen->begin(), chosen->end(),
+                           [&](std::uint64_t number) { return elements(label, path, start, number, number); });
     }
 
 private:
@@ -199,8 +198,6 @@ std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text) {
     return found;
 }
 
-void refuseSoMany(const Label_File& file) {
-    throw File_Error(file.path + ": more than a million elements");
-}
+void refuseSoMany(const Label_File& file) { throw File_Error(file.path + ": more than a million elements"); }
 
 }  // namespace vornex

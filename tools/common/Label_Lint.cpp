@@ -10,7 +10,7 @@ namespace {
 
 using Severity = Lint_Finding::Severity;
 
-constexpr std::size_t OverlapsTold = 100;         // a shifted file overlaps everywhere; a hundred make the point
+constexpr std::size_t OverlapsTold = 100;  // a shifted file overlaps everywhere; a hundred make the point
 
 std::string lowered(std::string text) {
     for (char& letter : text)
@@ -144,8 +144,6 @@ std::vector<Lint_Finding> lintLabels(const Label_File& file, std::uint64_t memor
     return Linter(file, memoryEnd).run();
 }
 
-const char* severityName(Severity severity) {
-    return severity == Severity::Error ? "error" : "warning";
-}
+const char* severityName(Severity severity) { return severity == Severity::Error ? "error" : "warning"; }
 
 }  // namespace vornex

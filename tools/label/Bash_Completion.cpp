@@ -11,7 +11,8 @@ namespace {
 std::vector<std::string> namesOf(const Option& option) {
     std::vector<std::string> names;
     std::istringstream list(option.names);
-    for (std::string name; std::getline(list, name, ',');) names.push_back(name);
+    for (std::string name; std::getline(list, name, ',');)
+        names.push_back(name);
     return names;
 }
 
@@ -19,7 +20,8 @@ std::string optionWords(const std::vector<Option>& options) {
     std::string words;
     for (const Option& option : options) {
         if (option.isArgument()) continue;
-        for (const std::string& name : namesOf(option)) words += " " + name;
+        for (const std::string& name : namesOf(option))
+            words += " " + name;
     }
     return words;
 }
@@ -31,8 +33,10 @@ std::string valueCases(const std::vector<Option>& options) {
         const bool file = option.value == "FILE";
         if (option.isArgument() || (option.choices.empty() && !file)) continue;
         std::string pattern, words;
-        for (const std::string& name : namesOf(option)) pattern += (pattern.empty() ? "" : "|") + name;
-        for (const std::string& word : option.choices) words += (words.empty() ? "" : " ") + word;
+        for (const std::string& name : namesOf(option))
+            pattern += (pattern.empty() ? "" : "|") + name;
+        for (const std::string& word : option.choices)
+            words += (words.empty() ? "" : " ") + word;
         cases += "        " + pattern + ") COMPREPLY=($(compgen " + (file ? "-f" : "-W '" + words + "'") +
                  " -- \"$current\")); return ;;\n";
     }
@@ -55,13 +59,21 @@ std::string bashCompletion(const std::vector<Verb>& verbs) {
     return "# bash completion for vornex-label; written by vornex-label completion\n"
            "_vornex_label() {\n"
            "    local current=\"${COMP_WORDS[COMP_CWORD]}\" previous=\"${COMP_WORDS[COMP_CWORD-1]}\"\n"
-           "    local verb=\"${COMP_WORDS[1]}\" words='" + optionWords(common) + "'\n"
+           "    local verb=\"${COMP_WORDS[1]}\" words='" +
+           optionWords(common) +
+           "'\n"
            "    COMPREPLY=()\n"
            "    if [ \"$COMP_CWORD\" -eq 1 ]; then\n"
-           "        COMPREPLY=($(compgen -W '--help --version" + names + "' -- \"$current\")); return\n"
+           "        COMPREPLY=($(compgen -W '--help --version" +
+           names +
+           "' -- \"$current\")); return\n"
            "    fi\n"
-           "    case \"$previous\" in\n" + values + "    esac\n"
-           "    case \"$verb\" in\n" + verbCases + "    esac\n"
+           "    case \"$previous\" in\n" +
+           values +
+           "    esac\n"
+           "    case \"$verb\" in\n" +
+           verbCases +
+           "    esac\n"
            "    case \"$current\" in\n"
            "        -*) COMPREPLY=($(compgen -W \"$words\" -- \"$current\")) ;;\n"
            "        *) COMPREPLY=($(compgen -f -- \"$current\")) ;;\n"

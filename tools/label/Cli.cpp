@@ -42,8 +42,8 @@ CLI::Validator within(double low, double high) {
 }
 
 void addOption(CLI::App& app, const Option& option, const std::string& group) {
-    CLI::Option* added = std::visit([&](auto* target) { return bindTo(app, option.names, option.help, target); },
-                                    option.target);
+    CLI::Option* added =
+        std::visit([&](auto* target) { return bindTo(app, option.names, option.help, target); }, option.target);
     if (!option.value.empty()) added->type_name(option.value);
     if (option.isArgument()) added->type_name("");
     if (option.required) added->required();
@@ -68,8 +68,10 @@ void addVerb(CLI::App& app, const Verb& verb, const std::vector<Option>& common,
     if (verb.hidden) command.group("");
     // the summary heads the help and stands in the list of verbs, where a description would be too long
     command.footer((verb.description.empty() ? "" : verb.description + "\n\n") + exampleText(verb));
-    for (const Option& option : verb.options) addOption(command, option, "");
-    for (const Option& option : common) addOption(command, option, "Common options");
+    for (const Option& option : verb.options)
+        addOption(command, option, "");
+    for (const Option& option : common)
+        addOption(command, option, "Common options");
     command.callback([&chosen, &verb] { chosen = &verb; });
 }
 
@@ -99,8 +101,10 @@ int runTool(int argc, char** argv) {
     const std::vector<Option> common = commonOptions(options);
     const std::vector<Verb> verbs = allVerbs();
     const Verb* chosen = nullptr;
-    for (const Option& option : common) addOption(app, option, "Common options");
-    for (const Verb& verb : verbs) addVerb(app, verb, common, chosen);
+    for (const Option& option : common)
+        addOption(app, option, "Common options");
+    for (const Verb& verb : verbs)
+        addVerb(app, verb, common, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

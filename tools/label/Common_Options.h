@@ -13,9 +13,9 @@ namespace vornex {
 constexpr int LongestRequest = 65000;
 
 struct Common_Options {
-    std::string target;     // "host:port"; empty: the label file's
+    std::string target;  // "host:port"; empty: the label file's
     std::string labelFile;
-    std::string library;    // empty: searched
+    std::string library;  // empty: searched
     int timeoutMs = 1000;
     int retries = 2;
     int maxBytes = 240;

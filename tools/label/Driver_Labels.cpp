@@ -42,7 +42,8 @@ const Label_Type_Info& Definitions::structType(const std::string& name) {
     info.typeFlags = static_cast<quint16>(StructTypeCode | LabelIsStructType);
     info.address = type.size;
     info.memberCount = static_cast<quint32>(type.members.size());
-    for (const Label& member : type.members) info.members.append(of(member));
+    for (const Label& member : type.members)
+        info.members.append(of(member));
     return structTypes[name] = info;
 }
 
@@ -66,9 +67,7 @@ const char MemoryLabel[] = "@memory";
 
 QString driverText(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<int>(text.size())); }
 
-int hostCount(int code, std::uint32_t bytes) {
-    return static_cast<int>(code >= 3 && code <= 9 ? bytes / 2 : bytes);
-}
+int hostCount(int code, std::uint32_t bytes) { return static_cast<int>(code >= 3 && code <= 9 ? bytes / 2 : bytes); }
 
 void setUpComInfo(ComInfo& comInfo, int maxBytes, int retries) {
     comInfo.maxBytesPerRequest = maxBytes;
@@ -79,7 +78,8 @@ void setUpComInfo(ComInfo& comInfo, int maxBytes, int retries) {
 QList<Label_Type_Info> driverLabels(const Label_File& file) {
     Definitions definitions(file);
     QList<Label_Type_Info> labels;
-    for (const Label& label : file.labels) labels.append(definitions.of(label));
+    for (const Label& label : file.labels)
+        labels.append(definitions.of(label));
     return labels;
 }
 

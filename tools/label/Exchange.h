@@ -19,11 +19,11 @@ struct Exchange {
     Wall_Time sentAt;
     Wall_Time repliedAt;
     std::chrono::microseconds latency{0};
-    int attempt = 1;            // of this frame
+    int attempt = 1;  // of this frame
     std::string frame;
     Request_View request;
-    bool cyclic = false;        // of the cyclic list, else a write or one-shot read
-    int replyLength = 0;        // that the driver expects
+    bool cyclic = false;  // of the cyclic list, else a write or one-shot read
+    int replyLength = 0;  // that the driver expects
     Transfer transfer;
     bool countsDiffer = false;  // complete and the check value right, but other items than asked for: not handed on
     int status = 0;             // from the driver: 0 again, 1 or 100 good, else given up with a band code
@@ -52,12 +52,12 @@ struct Link_Change {
 class Exchange_Observer {
 public:
     virtual ~Exchange_Observer() = default;
-    virtual void frameGiven(const Exchange&) {}     // by the driver, before it is sent
-    virtual void exchangeDone(const Exchange&) {}   // the driver has taken the reply
-    virtual void nothingToSend() {}                 // the driver answered null
+    virtual void frameGiven(const Exchange&) {}    // by the driver, before it is sent
+    virtual void exchangeDone(const Exchange&) {}  // the driver has taken the reply
+    virtual void nothingToSend() {}                // the driver answered null
     virtual void linkChanged(const Link_Change&) {}
-    virtual void roundDone(int) {}                  // the cyclic list has been served once more; rounds so far
-    virtual void interrupted() {}                   // Ctrl-C
+    virtual void roundDone(int) {}  // the cyclic list has been served once more; rounds so far
+    virtual void interrupted() {}   // Ctrl-C
 };
 
 }  // namespace vornex

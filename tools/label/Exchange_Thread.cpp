@@ -64,7 +64,8 @@ void Exchange_Thread::wake() {
 }
 
 void Exchange_Thread::tell(const std::function<void(Exchange_Observer&)>& what) {
-    for (Exchange_Observer* observer : observers) what(*observer);
+    for (Exchange_Observer* observer : observers)
+        what(*observer);
 }
 
 void Exchange_Thread::run() {
@@ -97,8 +98,10 @@ bool Exchange_Thread::paused() {
 }
 
 void Exchange_Thread::waitForWork(Steady_Time until) {
-    if (until == Steady_Time::max()) context.run_one();
-    else context.run_one_until(until);
+    if (until == Steady_Time::max())
+        context.run_one();
+    else
+        context.run_one_until(until);
 }
 
 bool Exchange_Thread::nextFrame(Exchange& exchange) {
@@ -156,7 +159,8 @@ void Exchange_Thread::settle(const Exchange& exchange) {
     if (exchange.good()) {
         backOffTime = Milliseconds(0);
         if (exchange.request.command == Request_View::Command::Read) {
-            for (const Frame_Item& item : exchange.request.items) known.fill(item.address, item.length);
+            for (const Frame_Item& item : exchange.request.items)
+                known.fill(item.address, item.length);
         }
     } else {
         dropLink(exchange.fault());
@@ -217,7 +221,8 @@ bool Exchange_Thread::linkReady(std::string& reason) {
 // Waits before an attempt to connect: the first one after a good reply comes at once, then 100 ms, doubled up to 2 s.
 bool Exchange_Thread::backOff() {
     const Steady_Time until = now() + backOffTime;
-    while (!stopping && now() < until) context.run_one_until(until);
+    while (!stopping && now() < until)
+        context.run_one_until(until);
     backOffTime = std::clamp(backOffTime * 2, FirstBackOff, LongestBackOff);
     return !stopping;
 }

@@ -13,7 +13,8 @@ const char WriteCommand = '@';
 
 std::uint32_t numberAt(const std::string& bytes, std::size_t at, std::size_t size) {
     std::uint32_t number = 0;
-    for (std::size_t i = size; i-- > 0;) number = number << 8 | static_cast<unsigned char>(bytes[at + i]);
+    for (std::size_t i = size; i-- > 0;)
+        number = number << 8 | static_cast<unsigned char>(bytes[at + i]);
     return number;
 }
 

@@ -213,20 +213,13 @@ std::size_t characters(const std::string& text, std::size_t begin, std::size_t e
 
 std::string labelCodeText(int code) {
     switch (code) {
-        case LabelGood:
-            return "resolves";
-        case LabelMisfit:
-            return "the text does not fit the definition";
-        case LabelNoName:
-            return "no label has this name";
-        case LabelNoIndex:
-            return "an index is no number or outside its array";
-        case LabelNoText:
-            return "the text is empty";
-        case LabelNoMember:
-            return "the structure has no such member";
-        default:
-            return "unknown result";
+        case LabelGood: return "resolves";
+        case LabelMisfit: return "the text does not fit the definition";
+        case LabelNoName: return "no label has this name";
+        case LabelNoIndex: return "an index is no number or outside its array";
+        case LabelNoText: return "the text is empty";
+        case LabelNoMember: return "the structure has no such member";
+        default: return "unknown result";
     }
 }
 

@@ -103,7 +103,8 @@ Transfer Link::exchange(const std::string& frame, std::size_t replyLength, Milli
     if (!inTime) {
         asio::error_code ignored;
         socket.cancel(ignored);
-        while (!pending->done) context.run_one();  // cancelled handlers are ready at once; they tell how much came
+        while (!pending->done)
+            context.run_one();  // cancelled handlers are ready at once; they tell how much came
     }
     Transfer transfer;
     transfer.reply = pending->buffer.substr(0, pending->received);

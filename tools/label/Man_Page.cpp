@@ -20,9 +20,12 @@ std::string roff(const std::string& text) {
     for (char letter : text) {
         const bool lineStart = result.empty() || result.back() == '\n';
         if (lineStart && (letter == '.' || letter == '\'')) result += "\\&";
-        if (letter == '\\') result += "\\e";
-        else if (letter == '-') result += "\\-";
-        else result += letter;
+        if (letter == '\\')
+            result += "\\e";
+        else if (letter == '-')
+            result += "\\-";
+        else
+            result += letter;
     }
     return result;
 }
@@ -70,7 +73,8 @@ std::string commonSection() {
 
 std::string pageName(const Verb& verb) {
     std::string name = "vornex-label-" + verb.name;
-    for (char& letter : name) letter = letter == ' ' ? '-' : letter;
+    for (char& letter : name)
+        letter = letter == ' ' ? '-' : letter;
     return name;
 }
 
@@ -78,8 +82,9 @@ std::string manPage(const std::vector<Verb>& verbs) {
     std::string text = heading("vornex-label", "labels of a controller, read, written and watched through the driver");
     text +=
         ".SH SYNOPSIS\n\\fBvornex\\-label\\fR \\fIverb\\fR [\\fIoptions\\fR] [\\fIarguments\\fR]\n.SH DESCRIPTION\n";
-    text += roff("Loads the driver library as a panel does, resolves labels through it and talks to one controller.\n"
-                 "Data goes to standard output as text, JSON lines or CSV, messages go to standard error.\n");
+    text += roff(
+        "Loads the driver library as a panel does, resolves labels through it and talks to one controller.\n"
+        "Data goes to standard output as text, JSON lines or CSV, messages go to standard error.\n");
     text += ".SH VERBS\n";
     for (const Verb& verb : verbs) {
         if (!verb.hidden) text += ".TP\n\\fB" + roff(verb.name) + "\\fR\n" + roff(verb.summary) + ".\n";

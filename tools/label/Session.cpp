@@ -85,7 +85,8 @@ void Session::setMemoryLabel(std::uint32_t address, int code) {
     labels.append(info);
     const std::lock_guard<std::mutex> lock(exchange->sequence());
     library.PassVarName_2(&labels);
-    for (Call_Observer* observer : callObservers) observer->memoryLabelSet(info);
+    for (Call_Observer* observer : callObservers)
+        observer->memoryLabelSet(info);
 }
 
 int Session::startRead(const Label_Range& range) {
@@ -104,7 +105,8 @@ int Session::startRead(const Label_Range& range) {
         if (library.AddListOnceReadVar(&request) == 0) {
             throw Tool_Error(Exit_Code::Label, "label '" + range.label + "' does not resolve");
         }
-        for (Call_Observer* observer : callObservers) observer->readQueued(asGiven);
+        for (Call_Observer* observer : callObservers)
+            observer->readQueued(asGiven);
         completions.queued(ticket);
     }
     exchange->wake();
@@ -130,12 +132,14 @@ int Session::startWrite(const Label_Range& range, const std::string& data) {
 
 int Session::poll(const std::vector<Label_Range>& ranges, Milliseconds interval) {
     QList<HOST_VAR> definitions;
-    for (const Label_Range& range : ranges) definitions.append(hostVariable(range));
+    for (const Label_Range& range : ranges)
+        definitions.append(hostVariable(range));
     int requests = 0;
     {
         const std::lock_guard<std::mutex> lock(exchange->sequence());
         requests = library.ReCreatReadVarList(&definitions);
-        for (Call_Observer* observer : callObservers) observer->pollSet(definitions);
+        for (Call_Observer* observer : callObservers)
+            observer->pollSet(definitions);
     }
     exchange->pace(requests, interval);
     return requests;

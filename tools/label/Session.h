@@ -26,9 +26,9 @@ public:
 
 // A run of bytes behind a label, in the terms of the driver's entry points.
 struct Label_Range {
-    std::string label;       // as the driver resolves it, templates included
-    int index = 0;           // for a template
-    int code = 0;            // type code of its element
+    std::string label;  // as the driver resolves it, templates included
+    int index = 0;      // for a template
+    int code = 0;       // type code of its element
     std::uint32_t bytes = 0;
 };
 

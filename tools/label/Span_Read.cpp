@@ -41,7 +41,8 @@ void addMemorySpans(std::vector<Span>& spans, std::uint32_t address, std::uint64
 std::vector<Span> spansOf(const std::vector<Variable>& variables, std::uint32_t elements, int maxBytes) {
     std::vector<const Variable*> sorted;
     sorted.reserve(variables.size());
-    for (const Variable& variable : variables) sorted.push_back(&variable);
+    for (const Variable& variable : variables)
+        sorted.push_back(&variable);
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const Variable* a, const Variable* b) { return a->address < b->address; });
     const std::uint64_t longest = longestSpan(maxBytes);

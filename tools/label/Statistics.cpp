@@ -24,7 +24,8 @@ const char* faultName(const Exchange& exchange) {
 void Latency_Histogram::add(std::chrono::microseconds latency) {
     auto digits = static_cast<std::uint64_t>(std::max<std::chrono::microseconds::rep>(latency.count(), 0));
     std::size_t slot = 0;
-    for (; digits >= 1000; digits /= 10) slot += SlotsPerDecade;
+    for (; digits >= 1000; digits /= 10)
+        slot += SlotsPerDecade;
     slot += static_cast<std::size_t>(digits);
     ++counts[std::min(slot, counts.size() - 1)];
     ++total;
@@ -48,7 +49,8 @@ std::uint32_t Latency_Histogram::notExceededBy(double part) const {
 
 std::uint64_t Statistics_Figures::gaveUp() const {
     std::uint64_t sum = 0;
-    for (const auto& [band, count] : giveUps) sum += count;
+    for (const auto& [band, count] : giveUps)
+        sum += count;
     return sum;
 }
 
@@ -66,7 +68,8 @@ void Statistics::exchangeDone(const Exchange& exchange) {
     ++counted.good;
     counted.latencies.add(exchange.latency);
     if (exchange.request.command == Request_View::Command::Read) counted.itemsRead += exchange.request.items.size();
-    for (const Frame_Item& item : exchange.request.items) counted.dataBytes += item.length;
+    for (const Frame_Item& item : exchange.request.items)
+        counted.dataBytes += item.length;
 }
 
 void Statistics::linkChanged(const Link_Change& change) {

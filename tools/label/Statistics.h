@@ -35,8 +35,8 @@ struct Statistics_Figures {
     std::uint64_t retries = 0;  // frames given again after a fault
     std::uint64_t bytesSent = 0;
     std::uint64_t bytesReceived = 0;
-    std::uint64_t itemsRead = 0;     // ranges in good read frames
-    std::uint64_t dataBytes = 0;     // in them, and in good writes
+    std::uint64_t itemsRead = 0;  // ranges in good read frames
+    std::uint64_t dataBytes = 0;  // in them, and in good writes
     std::uint64_t linkLosses = 0;
     int rounds = 0;
     std::map<std::string, std::uint64_t> faults;  // by what went wrong

@@ -22,9 +22,7 @@ const Label_File& Tool::labels() {
     return *labelFile;
 }
 
-const Label_File& Tool::labelsIfAny() {
-    return options.labelFile.empty() ? noLabels : labels();
-}
+const Label_File& Tool::labelsIfAny() { return options.labelFile.empty() ? noLabels : labels(); }
 
 const Driver_Library& Tool::driver() {
     if (!library) {

@@ -18,8 +18,8 @@ using Json = nlohmann::json;
 
 // A record of this tool stays below these: they keep a forged one from taking all memory.
 const int DeepestValue = 4;
-const std::int64_t MostValues = 8000000;   // in one line: a poll list has six for each of a million elements
-const std::int64_t MostRequests = 200000;  // that the elements of a poll list are too long for
+const std::int64_t MostValues = 8000000;          // in one line: a poll list has six for each of a million elements
+const std::int64_t MostRequests = 200000;         // that the elements of a poll list are too long for
 const std::int64_t MostUnits = LongestValue / 2;  // of one variable, in the host's counts
 
 // The whole number of a key or in a list. Throws std::invalid_argument when it is none or not from `low` to `high`.

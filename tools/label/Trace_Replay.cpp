@@ -25,21 +25,35 @@ class Replay_Trace : public Trace {
 public:
     Replay_Trace(const std::string& name, Tool& tool) : out(name) {
         const std::string& labels = tool.options.labelFile;
-        put(Row().add("event", "start").add("version", 1).add("labels", labels)
-                .add("text", labels.empty() ? "" : wholeText(labels)).add("maxBytes", tool.options.maxBytes)
+        put(Row()
+                .add("event", "start")
+                .add("version", 1)
+                .add("labels", labels)
+                .add("text", labels.empty() ? "" : wholeText(labels))
+                .add("maxBytes", tool.options.maxBytes)
                 .add("retries", tool.options.retries));
     }
 
     void readQueued(const RW_VAR& request) override {
-        put(Row().add("event", "read").add("label", hostText(request.label))
-                .add("index", hostText(request.labelIndex)).add("type", request.varType).add("id", request.varId)
+        put(Row()
+                .add("event", "read")
+                .add("label", hostText(request.label))
+                .add("index", hostText(request.labelIndex))
+                .add("type", request.varType)
+                .add("id", request.varId)
                 .add("length", request.length));
     }
 
     void writeQueued(const std::string& label, int index, const std::string& data, int count, int varType,
                      int varId) override {
-        put(Row().add("event", "write").add("label", label).add("index", std::to_string(index)).add("type", varType)
-                .add("id", varId).add("count", count).add("data", plainHex(data)));
+        put(Row()
+                .add("event", "write")
+                .add("label", label)
+                .add("index", std::to_string(index))
+                .add("type", varType)
+                .add("id", varId)
+                .add("count", count)
+                .add("data", plainHex(data)));
     }
 
     void pollSet(const QList<HOST_VAR>& definitions) override {
@@ -56,14 +70,22 @@ public:
     }
 
     void frameGiven(const Exchange& exchange) override {
-        put(Row().add("event", "frame").add("time", timeText(exchange.sentAt)).add("attempt", exchange.attempt)
-                .add("frame", plainHex(exchange.frame)).add("expected", exchange.replyLength));
+        put(Row()
+                .add("event", "frame")
+                .add("time", timeText(exchange.sentAt))
+                .add("attempt", exchange.attempt)
+                .add("frame", plainHex(exchange.frame))
+                .add("expected", exchange.replyLength));
     }
 
     void exchangeDone(const Exchange& exchange) override {
-        put(Row().add("event", "reply").add("time", timeText(exchange.repliedAt))
-                .add("reply", plainHex(exchange.transfer.reply)).add("shifted", exchange.countsDiffer)
-                .add("status", exchange.status).add("fault", exchange.fault())
+        put(Row()
+                .add("event", "reply")
+                .add("time", timeText(exchange.repliedAt))
+                .add("reply", plainHex(exchange.transfer.reply))
+                .add("shifted", exchange.countsDiffer)
+                .add("status", exchange.status)
+                .add("fault", exchange.fault())
                 .add("microseconds", exchange.latency.count()));
     }
 
@@ -71,8 +93,11 @@ public:
 
     void linkChanged(const Link_Change& change) override {
         const char* const states[] = {"up", "down", "still down"};
-        put(Row().add("event", "link").add("time", timeText(change.at))
-                .add("state", states[static_cast<int>(change.state)]).add("reason", change.reason));
+        put(Row()
+                .add("event", "link")
+                .add("time", timeText(change.at))
+                .add("state", states[static_cast<int>(change.state)])
+                .add("reason", change.reason));
     }
 
 private:

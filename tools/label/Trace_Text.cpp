@@ -23,7 +23,8 @@ std::string byteLines(const std::string& bytes) {
 class Text_Trace : public Trace {
 public:
     Text_Trace(const std::string& name, Tool& tool)
-        : out(name), names(tool.labelsIfAny()),
+        : out(name),
+          names(tool.labelsIfAny()),
           target(tool.options.target.empty() ? tool.labelsIfAny().target : tool.options.target) {}
 
     void frameGiven(const Exchange& exchange) override {
@@ -47,8 +48,8 @@ public:
         if (exchange.good())
             line += "good";
         else
-            line += exchange.fault() + "; " +
-                    (exchange.gaveUp() ? "given up: " + statusText(exchange.status) : "again");
+            line +=
+                exchange.fault() + "; " + (exchange.gaveUp() ? "given up: " + statusText(exchange.status) : "again");
         out.write(line + "\n" + byteLines(exchange.transfer.reply));
     }
 

@@ -50,7 +50,8 @@ std::string Value::shown() const {
     if (kind == Kind::Null) return "?";
     if (kind != Kind::List) return text;
     std::string list;
-    for (const Value& item : items) list += (list.empty() ? "" : ", ") + item.shown();
+    for (const Value& item : items)
+        list += (list.empty() ? "" : ", ") + item.shown();
     return "[" + list + "]";
 }
 
@@ -63,7 +64,8 @@ std::string Value::json() const {
         case Kind::List: break;
     }
     std::string list;
-    for (const Value& item : items) list += (list.empty() ? "" : ",") + item.json();
+    for (const Value& item : items)
+        list += (list.empty() ? "" : ",") + item.json();
     return "[" + list + "]";
 }
 

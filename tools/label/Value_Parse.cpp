@@ -113,8 +113,12 @@ std::string parseValue(View view, std::size_t size, const std::string& text) {
     if (view == View::Text) return filled(text, size, text);
     if (text.empty()) refuse(text, "is no value");
     switch (view) {
-        case View::S8: case View::S16: case View::S32: case View::S64: return integerBytes(text, size, true);
-        case View::F32: case View::F64: return floatBytes(text, size);
+        case View::S8:
+        case View::S16:
+        case View::S32:
+        case View::S64: return integerBytes(text, size, true);
+        case View::F32:
+        case View::F64: return floatBytes(text, size);
         case View::Bool: return boolBytes(text, size);
         case View::Bytes: return filled(bytesOfHex(text), size, text);
         case View::Hex:

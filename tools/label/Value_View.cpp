@@ -10,7 +10,8 @@ namespace {
 
 std::uint64_t littleEndian(const std::string& bytes) {
     std::uint64_t number = 0;
-    for (std::size_t i = bytes.size(); i-- > 0;) number = number << 8 | static_cast<unsigned char>(bytes[i]);
+    for (std::size_t i = bytes.size(); i-- > 0;)
+        number = number << 8 | static_cast<unsigned char>(bytes[i]);
     return number;
 }
 
@@ -71,10 +72,16 @@ std::string printable(const std::string& bytes) {
 
 std::size_t viewBytes(View view) {
     switch (view) {
-        case View::U8: case View::S8: return 1;
-        case View::U16: case View::S16: return 2;
-        case View::U32: case View::S32: case View::F32: return 4;
-        case View::U64: case View::S64: case View::F64: return 8;
+        case View::U8:
+        case View::S8: return 1;
+        case View::U16:
+        case View::S16: return 2;
+        case View::U32:
+        case View::S32:
+        case View::F32: return 4;
+        case View::U64:
+        case View::S64:
+        case View::F64: return 8;
         default: return 0;
     }
 }
@@ -94,9 +101,16 @@ Value viewValue(View view, const std::string& bytes) {
     const std::size_t width = viewBytes(view);
     if (width != 0 && bytes.size() != width) return hexBytes(bytes);
     switch (view) {
-        case View::U8: case View::U16: case View::U32: case View::U64: return littleEndian(bytes);
-        case View::S8: case View::S16: case View::S32: case View::S64: return signExtended(littleEndian(bytes), width);
-        case View::F32: case View::F64: return floatValue(bytes);
+        case View::U8:
+        case View::U16:
+        case View::U32:
+        case View::U64: return littleEndian(bytes);
+        case View::S8:
+        case View::S16:
+        case View::S32:
+        case View::S64: return signExtended(littleEndian(bytes), width);
+        case View::F32:
+        case View::F64: return floatValue(bytes);
         case View::Bool: return bytes.find_first_not_of('\0') != std::string::npos;
         case View::Text: return printable(bytes);
         case View::Hex: return hexValue(bytes);

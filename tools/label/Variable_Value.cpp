@@ -62,13 +62,14 @@ Value valueOfRun(const Variable& variable, View view, const std::string& bytes) 
     if (width == 0) width = variable.bytes;
     if ((view == View::Text || view == View::Bytes) && variable.bytes == 1) width = bytes.size();
     if (width == 0 || bytes.size() % width != 0) {
-        throw Tool_Error(Exit_Code::Usage, "view " + viewName(view) + " takes " + std::to_string(width) +
-                                               " bytes, '" + variable.text + "' gives " +
-                                               std::to_string(bytes.size()) + ": choose -c or another view");
+        throw Tool_Error(Exit_Code::Usage, "view " + viewName(view) + " takes " + std::to_string(width) + " bytes, '" +
+                                               variable.text + "' gives " + std::to_string(bytes.size()) +
+                                               ": choose -c or another view");
     }
     if (bytes.size() == width) return viewValue(view, bytes);
     std::vector<Value> values;
-    for (std::size_t at = 0; at < bytes.size(); at += width) values.push_back(viewValue(view, bytes.substr(at, width)));
+    for (std::size_t at = 0; at < bytes.size(); at += width)
+        values.push_back(viewValue(view, bytes.substr(at, width)));
     return values;
 }
 

@@ -216,7 +216,8 @@ bool globMatches(const std::string& pattern, const std::string& text) {
             return false;
         }
     }
-    while (p < pattern.size() && pattern[p] == '*') ++p;
+    while (p < pattern.size() && pattern[p] == '*')
+        ++p;
     return p == pattern.size();
 }
 

@@ -22,14 +22,21 @@ using Option_Target = std::variant<bool*, int*, double*, std::string*, std::opti
 // One option or argument. `names` is "-c,--count" for an option, "LABEL" for an argument.
 struct Option {
     Option(std::string optionNames, std::string valueName, std::string helpText, Option_Target optionTarget)
-        : names(std::move(optionNames)),
-          value(std::move(valueName)),
-          help(std::move(helpText)),
-          target(optionTarget) {}
+        : names(std::move(optionNames)), value(std::move(valueName)), help(std::move(helpText)), target(optionTarget) {}
 
-    Option& must() { required = true; return *this; }
-    Option& between(double lowest, double highest) { low = lowest; high = highest; return *this; }
-    Option& oneOf(std::vector<std::string> words) { choices = std::move(words); return *this; }
+    Option& must() {
+        required = true;
+        return *this;
+    }
+    Option& between(double lowest, double highest) {
+        low = lowest;
+        high = highest;
+        return *this;
+    }
+    Option& oneOf(std::vector<std::string> words) {
+        choices = std::move(words);
+        return *this;
+    }
     bool isArgument() const { return names.front() != '-'; }
     bool isFlag() const { return std::holds_alternative<bool*>(target); }
 

@@ -20,12 +20,8 @@ namespace {
 const std::size_t HeaderSize = 1 + 2 + 1;  // start, body length, command
 const std::size_t CheckSize = 2;
 
-unsigned byteAt(const std::string& bytes, std::size_t at) {
-    return static_cast<unsigned char>(bytes[at]);
-}
-std::size_t wordAt(const std::string& bytes, std::size_t at) {
-    return byteAt(bytes, at) | byteAt(bytes, at + 1) << 8;
-}
+unsigned byteAt(const std::string& bytes, std::size_t at) { return static_cast<unsigned char>(bytes[at]); }
+std::size_t wordAt(const std::string& bytes, std::size_t at) { return byteAt(bytes, at) | byteAt(bytes, at + 1) << 8; }
 
 std::string hexWord(std::size_t value) {
     const char* const digits = "0123456789ABCDEF";

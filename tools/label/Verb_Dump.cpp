@@ -25,7 +25,8 @@ std::uint64_t parseNumber(const std::string& text, const char* what) {
     std::uint64_t number = 0;
     try {
         const std::string bytes = parseValue(View::U64, 8, text);
-        for (std::size_t i = 8; i-- > 0;) number = number << 8 | static_cast<unsigned char>(bytes[i]);
+        for (std::size_t i = 8; i-- > 0;)
+            number = number << 8 | static_cast<unsigned char>(bytes[i]);
     } catch (const std::invalid_argument& mistake) {
         throw Tool_Error(Exit_Code::Usage, std::string(what) + " " + mistake.what());
     }
@@ -44,7 +45,8 @@ std::uint32_t findAddress(Tool& tool, Session& session, const std::string& text)
 
 std::string printable(const std::string& bytes) {
     std::string text;
-    for (char byte : bytes) text += byte >= 0x20 && byte < 0x7F ? byte : '.';
+    for (char byte : bytes)
+        text += byte >= 0x20 && byte < 0x7F ? byte : '.';
     return text;
 }
 
@@ -56,7 +58,8 @@ std::string offsetText(std::uint32_t address) {
 
 void showLine(Output& out, std::uint32_t address, std::uint32_t length, bool known, const std::string& bytes) {
     std::string hex = known ? hexBytes(bytes) : std::string("??");
-    for (std::uint32_t i = 1; !known && i < length; ++i) hex += " ??";
+    for (std::uint32_t i = 1; !known && i < length; ++i)
+        hex += " ??";
     Row row;
     row.add("address", address).add("bytes", known ? Value(hex) : Value());
     row.add("text", known ? Value(printable(bytes)) : Value());
@@ -88,7 +91,8 @@ Exit_Code dump(Tool& tool, const Dump_Options& options) {
     addMemorySpans(spans, address, length, online.session.maxBytes());
     online.connect();
     readSpans(online.session, tool.out, spans);
-    for (const Span& span : spans) showSpan(online.session, tool.out, span);
+    for (const Span& span : spans)
+        showSpan(online.session, tool.out, span);
     const Span* const failed = firstFailure(spans);
     if (!failed) return Exit_Code::Ok;
     throw Tool_Error(Exit_Code::GaveUp,

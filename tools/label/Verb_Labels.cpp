@@ -27,9 +27,7 @@ bool endsWith(const std::string& text, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-bool isCsvName(const std::string& path) {
-    return endsWith(path, ".csv") || endsWith(path, ".CSV");
-}
+bool isCsvName(const std::string& path) { return endsWith(path, ".csv") || endsWith(path, ".CSV"); }
 
 // Comments have no place in a table; whoever wrote some shall know.
 bool hasComments(const std::string& path) {

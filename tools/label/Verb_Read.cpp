@@ -52,12 +52,14 @@ Exit_Code read(Tool& tool, const Read_Options& options) {
     Online online(tool);
     Session& session = online.session;
     const std::vector<Variable> variables = findVariables(session, tool.labels(), options.labels, options.index);
-    for (const Variable& variable : variables) checkCount(variable, static_cast<std::uint32_t>(options.count));
+    for (const Variable& variable : variables)
+        checkCount(variable, static_cast<std::uint32_t>(options.count));
     online.connect();
     std::vector<Span> spans = spansOf(variables, static_cast<std::uint32_t>(options.count), session.maxBytes());
     readSpans(session, tool.out, spans);
     std::size_t missing = 0;
-    for (const Variable& variable : variables) missing += show(session, tool.out, options, variable) ? 0 : 1;
+    for (const Variable& variable : variables)
+        missing += show(session, tool.out, options, variable) ? 0 : 1;
     const Span* const failed = firstFailure(spans);
     if (!failed) return Exit_Code::Ok;
     throw Tool_Error(Exit_Code::GaveUp, "'" + failed->range.label + "': " + completionText(failed->completion) + "; " +

@@ -19,8 +19,8 @@ void show(Output& out, const Trace_Player& player, int line, const Trace_Differe
     row.add("line", equal ? Value() : Value(line)).add("recorded", difference.recorded).add("now", difference.now);
     const std::string counts = std::to_string(player.frames) + " frames, " + std::to_string(player.calls) + " calls";
     out.row(row, equal ? "equal: " + counts
-                       : "differs at line " + std::to_string(line) + " after " + counts + "\n  recorded: " +
-                             difference.recorded + "\n  now:      " + difference.now);
+                       : "differs at line " + std::to_string(line) + " after " + counts +
+                             "\n  recorded: " + difference.recorded + "\n  now:      " + difference.now);
 }
 
 Exit_Code replay(Tool& tool, const std::string& path) {

@@ -60,7 +60,8 @@ void showSecond(Output& out, const Statistics_Figures& before, const Statistics_
 
 std::string listText(const std::map<std::string, std::uint64_t>& counts) {
     std::string text;
-    for (const auto& [name, count] : counts) text += (text.empty() ? "" : ", ") + name + " " + std::to_string(count);
+    for (const auto& [name, count] : counts)
+        text += (text.empty() ? "" : ", ") + name + " " + std::to_string(count);
     return text;
 }
 
@@ -76,7 +77,8 @@ void showPacking(Output& out, const Workload& work, const Statistics_Figures& no
 
 void showSummary(Output& out, const std::string& target, const Workload& work, const Statistics_Figures& now) {
     std::map<std::string, std::uint64_t> bands;
-    for (const auto& [band, count] : now.giveUps) bands[bandText(band) + " (" + std::to_string(band) + ")"] = count;
+    for (const auto& [band, count] : now.giveUps)
+        bands[bandText(band) + " (" + std::to_string(band) + ")"] = count;
     if (out.format != Output::Format::Text) {
         Row row = figuresRow(now);
         row.add("variables", static_cast<std::uint64_t>(work.variables)).add("bytesWanted", work.bytesWanted);

@@ -4,22 +4,9 @@ namespace vornex {
 
 std::vector<Verb> allVerbs() {
     return {
-        readVerb(),
-        writeVerb(),
-        watchVerb(),
-        lsVerb(),
-        checkVerb(),
-        decodeVerb(),
-        infoVerb(),
-        labelsConvertVerb(),
-        labelsLintVerb(),
-        labelsNamesVerb(),
-        dumpVerb(),
-        statsVerb(),
-        benchVerb(),
-        replayVerb(),
-        manVerb(),
-        completionVerb(),
+        readVerb(),  writeVerb(),         watchVerb(),      lsVerb(),          checkVerb(), decodeVerb(),
+        infoVerb(),  labelsConvertVerb(), labelsLintVerb(), labelsNamesVerb(), dumpVerb(),  statsVerb(),
+        benchVerb(), replayVerb(),        manVerb(),        completionVerb(),
     };
 }
 

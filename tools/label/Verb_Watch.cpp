@@ -87,7 +87,8 @@ void Watch::chooseViews() {
 
 void Watch::startPolling() {
     std::vector<Label_Range> ranges;
-    for (const Watched& watched : all) ranges.push_back(watched.variable.range);
+    for (const Watched& watched : all)
+        ranges.push_back(watched.variable.range);
     const int requests = online.session.poll(ranges, Milliseconds(options.interval));
     tool.out.detail(std::to_string(all.size()) + " variables in " + std::to_string(requests) + " requests a round");
     if (requests == 0) throw Tool_Error(Exit_Code::Label, "the driver made no request of these labels");
@@ -107,7 +108,8 @@ void Watch::refresh() {
 
 void Watch::tell(const Watch_News& news) {
     for (const Link_Change& change : news.linkChanges) {
-        for (const auto& view : views) view->link(change);
+        for (const auto& view : views)
+            view->link(change);
     }
     if (news.goodExchange) giveUpTold = false;
     for (const Give_Up& giveUp : news.giveUps) {
@@ -127,7 +129,8 @@ bool Watch::conditionMet() const {
 }
 
 Exit_Code Watch::end(bool met) {
-    for (const auto& view : views) view->finish(all);
+    for (const auto& view : views)
+        view->finish(all);
     tool.out.note(online.statistics.summary());
     if (online.session.interrupted()) return Exit_Code::Interrupted;
     if (met) return Exit_Code::Ok;
@@ -136,7 +139,8 @@ Exit_Code Watch::end(bool met) {
         return Exit_Code::VerifyMismatch;
     }
     std::size_t missing = 0;
-    for (const Watched& watched : all) missing += watched.freshness == Freshness::Fresh ? 0 : 1;
+    for (const Watched& watched : all)
+        missing += watched.freshness == Freshness::Fresh ? 0 : 1;
     if (missing == 0) return Exit_Code::Ok;
     tool.out.error(std::to_string(missing) + " of " + std::to_string(all.size()) + " values are not fresh");
     return Exit_Code::GaveUp;
@@ -157,7 +161,8 @@ Exit_Code Watch::run() {
         refresh();
         if (news.newRound || !news.linkChanges.empty()) {
             if (news.newRound || tool.out.dataOnTerminal) {
-                for (const auto& view : views) view->update(all);
+                for (const auto& view : views)
+                    view->update(all);
             }
         }
         const bool met = conditionMet();

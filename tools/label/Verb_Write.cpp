@@ -62,7 +62,8 @@ Write_Plan planOf(Session& session, const Label_File& file, const Write_Options&
 std::string hostLayout(int code, const std::string& bytes) {
     if (code != 2) return bytes;
     std::string words;
-    for (char byte : bytes) words += {byte, '\0'};
+    for (char byte : bytes)
+        words += {byte, '\0'};
     return words;
 }
 
@@ -164,17 +165,19 @@ Exit_Code write(Tool& tool, const Write_Options& options) {
     Online online(tool);
     Session& session = online.session;
     std::vector<Write_Plan> plans;  // all are checked before anything is written
-    for (const std::string& text : options.assignments) plans.push_back(planOf(session, tool.labels(), options, text));
+    for (const std::string& text : options.assignments)
+        plans.push_back(planOf(session, tool.labels(), options, text));
     if (options.dryRun) {
-        for (const Write_Plan& plan : plans) dryRun(session, tool.out, plan);
+        for (const Write_Plan& plan : plans)
+            dryRun(session, tool.out, plan);
         return Exit_Code::Ok;
     }
     online.connect();
     for (Write_Plan& plan : plans) {
         writePlan(session, tool.out, plan);
         if (plan.completion.state != Completion::State::Good) {
-            throw Tool_Error(Exit_Code::GaveUp, "'" + plan.variable.text + "' may not be written: " +
-                                                    completionText(plan.completion));
+            throw Tool_Error(Exit_Code::GaveUp,
+                             "'" + plan.variable.text + "' may not be written: " + completionText(plan.completion));
         }
         if (!options.verify) show(tool.out, plan, "written");
     }

@@ -40,8 +40,10 @@ void Watch_Events::interrupted() {
 Watch_News Watch_Events::wait(Steady_Time until) {
     std::unique_lock<std::mutex> lock(mutex);
     const auto ready = [this] { return pending; };
-    if (until == Steady_Time::max()) changed.wait(lock, ready);
-    else changed.wait_until(lock, until, ready);
+    if (until == Steady_Time::max())
+        changed.wait(lock, ready);
+    else
+        changed.wait_until(lock, until, ready);
     pending = false;
     Watch_News taken;
     taken.rounds = news.rounds;

@@ -12,7 +12,8 @@ namespace {
 
 std::string padded(const std::string& text, std::size_t width, bool toRight = false) {
     std::size_t shown = 0;  // characters, not bytes: a unit may be "°C"
-    for (char letter : text) shown += (static_cast<unsigned char>(letter) & 0xC0) != 0x80 ? 1 : 0;
+    for (char letter : text)
+        shown += (static_cast<unsigned char>(letter) & 0xC0) != 0x80 ? 1 : 0;
     const std::string space(width > shown ? width - shown : 0, ' ');
     return toRight ? space + text : text + space;
 }
@@ -77,7 +78,8 @@ void Live_Table::draw(const std::vector<Watched>& all) {
     }
     std::string text;
     if (out.dataOnTerminal && linesDrawn > 0) text = "\033[" + std::to_string(linesDrawn) + "A";
-    for (const std::string& drawn : lines) text += drawn + (out.dataOnTerminal ? "\033[K\n" : "\n");
+    for (const std::string& drawn : lines)
+        text += drawn + (out.dataOnTerminal ? "\033[K\n" : "\n");
     if (out.dataOnTerminal) text += "\033[J";
     out.block(text);
     linesDrawn = lines.size();

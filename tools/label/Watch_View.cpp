@@ -45,8 +45,9 @@ void Change_Lines::link(const Link_Change& change) {
         row.add("time", timeText(change.at)).add("link", up ? "up" : "down").add("reason", change.reason);
         return out.row(row, "");
     }
-    out.note(timeText(change.at) + (up ? "  -- connected" : "  -- connection lost: " + change.reason +
-                                                                 "; the values are stale until they come again"));
+    out.note(timeText(change.at) +
+             (up ? "  -- connected"
+                 : "  -- connection lost: " + change.reason + "; the values are stale until they come again"));
 }
 
 Csv_Log::Csv_Log(const std::string& path) : file(std::fopen(path.c_str(), "we")) {

@@ -19,9 +19,7 @@ std::string takeWord(std::string& text) {
     return word;
 }
 
-bool isAddress(const std::string& word) {
-    return !word.empty() && word[0] >= '0' && word[0] <= '9';
-}
+bool isAddress(const std::string& word) { return !word.empty() && word[0] >= '0' && word[0] <= '9'; }
 
 std::uint32_t parseAddress(const std::string& word) {
     return static_cast<std::uint32_t>(parseUnsigned(word, LastAddress));

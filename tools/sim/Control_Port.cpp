@@ -66,9 +66,7 @@ Control_Socket::Control_Socket(asio::io_context& context, const std::string& soc
     accept();
 }
 
-Control_Socket::~Control_Socket() {
-    ::unlink(path.c_str());
-}
+Control_Socket::~Control_Socket() { ::unlink(path.c_str()); }
 
 void Control_Socket::accept() {
     using Stream = asio::local::stream_protocol::socket;

@@ -7,16 +7,12 @@
 namespace vornex::sim {
 namespace {
 
-std::uint8_t randomByte(Fault_Rules& noise) {
-    return static_cast<std::uint8_t>(noise.random(256));
-}
+std::uint8_t randomByte(Fault_Rules& noise) { return static_cast<std::uint8_t>(noise.random(256)); }
 
 // Faults that leave the check value right.
 void changeContent(const Fault_Rule& rule, Reply& reply, Fault_Rules& noise) {
     switch (rule.kind) {
-        case Fault_Kind::Empty:
-            reply.items.clear();
-            return;
+        case Fault_Kind::Empty: reply.items.clear(); return;
         case Fault_Kind::Header:
             for (std::uint8_t& byte : reply.header)
                 byte = randomByte(noise);
@@ -28,8 +24,7 @@ void changeContent(const Fault_Rule& rule, Reply& reply, Fault_Rules& noise) {
         case Fault_Kind::Swap:
             if (!reply.items.empty()) std::swap(reply.items.front(), reply.items.back());
             return;
-        default:
-            return;
+        default: return;
     }
 }
 
@@ -61,32 +56,21 @@ void changeBytes(const Fault_Rule& rule, Bytes& bytes, const Bytes& previous, Fa
             for (std::size_t i = bytes.size() < 2 ? 0 : bytes.size() - 2; i < bytes.size(); ++i)
                 bytes[i] ^= 0xff;
             return;
-        case Fault_Kind::Flip:
-            flipBits(bytes, sizeOf(rule.args[0]), noise);
-            return;
-        case Fault_Kind::Short:
-            bytes.resize(bytes.size() - std::min(bytes.size(), sizeOf(rule.args[0])));
-            return;
+        case Fault_Kind::Flip: flipBits(bytes, sizeOf(rule.args[0]), noise); return;
+        case Fault_Kind::Short: bytes.resize(bytes.size() - std::min(bytes.size(), sizeOf(rule.args[0]))); return;
         case Fault_Kind::Long:
             for (std::uint64_t i = 0; i < rule.args[0]; ++i)
                 bytes.push_back(randomByte(noise));
             return;
-        case Fault_Kind::Junk:
-            makeJunk(bytes, sizeOf(rule.args[0]), noise);
-            return;
-        case Fault_Kind::Stale:
-            bytes = previous;
-            return;
-        case Fault_Kind::Drop:
-            bytes.clear();
-            return;
+        case Fault_Kind::Junk: makeJunk(bytes, sizeOf(rule.args[0]), noise); return;
+        case Fault_Kind::Stale: bytes = previous; return;
+        case Fault_Kind::Drop: bytes.clear(); return;
         case Fault_Kind::Dup: {
             const Bytes once = bytes;
             bytes.insert(bytes.end(), once.begin(), once.end());
             return;
         }
-        default:
-            return;
+        default: return;
     }
 }
 
@@ -105,28 +89,17 @@ void changeWay(const Fault_Rule& rule, Delivery& delivery, Fault_Rules& noise) {
             delivery.hold = Delivery::Hold::Late;
             delivery.holdGap = first;
             return;
-        case Fault_Kind::Glue:
-            delivery.hold = Delivery::Hold::Glue;
-            return;
+        case Fault_Kind::Glue: delivery.hold = Delivery::Hold::Glue; return;
         case Fault_Kind::Slice:
             delivery.pieceBytes = sizeOf(first);
             delivery.pieceGap = rule.args[1];
             return;
-        case Fault_Kind::Rst:
-            return endAfter(delivery, Delivery::End::Rst, sizeOf(first));
-        case Fault_Kind::Fin:
-            return endAfter(delivery, Delivery::End::Fin, sizeOf(first));
-        case Fault_Kind::Refuse:
-            delivery.refuse = first;
-            return;
-        case Fault_Kind::Stall:
-            delivery.stall = first;
-            return;
-        case Fault_Kind::Kill:
-            delivery.kill = true;
-            return;
-        default:
-            return;
+        case Fault_Kind::Rst: return endAfter(delivery, Delivery::End::Rst, sizeOf(first));
+        case Fault_Kind::Fin: return endAfter(delivery, Delivery::End::Fin, sizeOf(first));
+        case Fault_Kind::Refuse: delivery.refuse = first; return;
+        case Fault_Kind::Stall: delivery.stall = first; return;
+        case Fault_Kind::Kill: delivery.kill = true; return;
+        default: return;
     }
 }
 

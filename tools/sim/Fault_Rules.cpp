@@ -115,22 +115,16 @@ bool touches(const Request& request, const std::pair<std::uint32_t, std::uint32_
 bool isPossible(Fault_Kind kind, const Request& request, bool hasPrevious) {
     switch (kind) {
         case Fault_Kind::Empty:
-        case Fault_Kind::Count:
-            return !request.isWrite && !request.items.empty();
-        case Fault_Kind::Swap:
-            return !request.isWrite && request.items.size() > 1;
-        case Fault_Kind::Stale:
-            return hasPrevious;
-        default:
-            return true;
+        case Fault_Kind::Count: return !request.isWrite && !request.items.empty();
+        case Fault_Kind::Swap: return !request.isWrite && request.items.size() > 1;
+        case Fault_Kind::Stale: return hasPrevious;
+        default: return true;
     }
 }
 
 }  // namespace
 
-const char* faultName(Fault_Kind kind) {
-    return Kinds[static_cast<std::size_t>(kind)].name;
-}
+const char* faultName(Fault_Kind kind) { return Kinds[static_cast<std::size_t>(kind)].name; }
 
 std::string faultHelp() {
     std::string text = "KIND[(ARGS)][@SELECTOR[,SELECTOR...]]   [defaults]\n";

@@ -10,9 +10,7 @@ namespace vornex::sim {
 namespace {
 
 // The range without a second description of itself in the help.
-CLI::Validator range(int lowest, int highest) {
-    return CLI::Range(lowest, highest).description("");
-}
+CLI::Validator range(int lowest, int highest) { return CLI::Range(lowest, highest).description(""); }
 
 void addServing(CLI::App& app, Options& options) {
     app.add_option("-l,--labels", options.labels, "Label file: what is in the memory and how it moves")

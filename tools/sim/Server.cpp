@@ -67,9 +67,7 @@ void Server::onAccepted(asio::ip::tcp::socket socket) {
     session->start();
 }
 
-void Server::forget(const std::shared_ptr<Session>& session) {
-    sessions.erase(session);
-}
+void Server::forget(const std::shared_ptr<Session>& session) { sessions.erase(session); }
 
 void Server::endSessions(bool reset) {
     // each one forgets itself in the set
@@ -86,9 +84,7 @@ void Server::stop(bool reset) {
     io.stop();
 }
 
-double Server::now() const {
-    return std::chrono::duration<double, std::milli>(Clock::now() - started).count();
-}
+double Server::now() const { return std::chrono::duration<double, std::milli>(Clock::now() - started).count(); }
 
 void Server::stall(std::uint64_t milliseconds_) {
     stalledUntil = std::max(stalledUntil, Clock::now() + milliseconds(milliseconds_));

@@ -47,9 +47,7 @@ std::vector<double> readNumbers(const std::vector<std::string>& texts) {
 
 void setArguments(Motion& motion, const std::vector<double>& given) {
     switch (motion.kind) {
-        case Motion::Kind::Const:
-            motion.low = motion.high = given[0];
-            return;
+        case Motion::Kind::Const: motion.low = motion.high = given[0]; return;
         case Motion::Kind::Ramp:
         case Motion::Kind::Sine:
         case Motion::Kind::Square:
@@ -127,20 +125,14 @@ double motionValue(const Motion& motion, double time, std::uint64_t element, std
     const double part = turns - std::floor(turns);
     const double held = std::floor(motion.period > 0 ? time / motion.period : 0);
     switch (motion.kind) {
-        case Motion::Kind::Const:
-            return motion.low;
-        case Motion::Kind::Ramp:
-            return motion.low + span * part;
-        case Motion::Kind::Sine:
-            return motion.low + span * (0.5 + 0.5 * std::sin(2 * Pi * part));
-        case Motion::Kind::Square:
-            return part < 0.5 ? motion.low : motion.high;
-        case Motion::Kind::Toggle:
-            return std::fmod(held + static_cast<double>(element), 2);
+        case Motion::Kind::Const: return motion.low;
+        case Motion::Kind::Ramp: return motion.low + span * part;
+        case Motion::Kind::Sine: return motion.low + span * (0.5 + 0.5 * std::sin(2 * Pi * part));
+        case Motion::Kind::Square: return part < 0.5 ? motion.low : motion.high;
+        case Motion::Kind::Toggle: return std::fmod(held + static_cast<double>(element), 2);
         case Motion::Kind::Random:
             return motion.low + span * unitNoise(seed ^ element << 40 ^ static_cast<std::uint64_t>(held));
-        case Motion::Kind::Count:
-            return motion.low + motion.high * (held + static_cast<double>(element));
+        case Motion::Kind::Count: return motion.low + motion.high * (held + static_cast<double>(element));
     }
     return 0;
 }

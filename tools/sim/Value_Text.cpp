@@ -12,34 +12,23 @@
 namespace vornex::sim {
 namespace {
 
-bool isSigned(View view) {
-    return view == View::S8 || view == View::S16 || view == View::S32 || view == View::S64;
-}
+bool isSigned(View view) { return view == View::S8 || view == View::S16 || view == View::S32 || view == View::S64; }
 
 // Bytes that the view looks at, of an element with so many.
 std::uint32_t viewedBytes(View view, std::uint32_t bytes) {
     std::uint32_t width = bytes;
     switch (view) {
         case View::U8:
-        case View::S8:
-            width = 1;
-            break;
+        case View::S8: width = 1; break;
         case View::U16:
-        case View::S16:
-            width = 2;
-            break;
+        case View::S16: width = 2; break;
         case View::U32:
         case View::S32:
-        case View::F32:
-            width = 4;
-            break;
+        case View::F32: width = 4; break;
         case View::U64:
         case View::S64:
-        case View::F64:
-            width = 8;
-            break;
-        default:
-            break;
+        case View::F64: width = 8; break;
+        default: break;
     }
     return std::min({width, bytes, std::uint32_t(8)});
 }
@@ -186,20 +175,15 @@ Bytes parseValue(const std::string& text, View view, std::uint32_t bytes) {
 
 std::string formatValue(const Bytes& bytes, View view) {
     switch (view) {
-        case View::F32:
-            return floatText<float>(bytes);
-        case View::F64:
-            return floatText<double>(bytes);
-        case View::Text:
-            return shownText(bytes);
+        case View::F32: return floatText<float>(bytes);
+        case View::F64: return floatText<double>(bytes);
+        case View::Text: return shownText(bytes);
         case View::Bytes:
-        case View::Hex:
-            return hexText(bytes);
+        case View::Hex: return hexText(bytes);
         case View::Bool:
             return std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t byte) { return byte != 0; }) ? "true"
                                                                                                         : "false";
-        default:
-            return wholeText(bytes, view);
+        default: return wholeText(bytes, view);
     }
 }
 

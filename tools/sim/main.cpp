@@ -128,6 +128,4 @@ int runSimulator(int argc, char** argv) {
 }  // namespace
 }  // namespace vornex::sim
 
-int main(int argc, char** argv) {
-    return vornex::sim::runSimulator(argc, argv);
-}
+int main(int argc, char** argv) { return vornex::sim::runSimulator(argc, argv); }
