@@ -87,7 +87,8 @@ struct ComInfo {
     qint32 remoteMode = 0;    // nonzero: no frames are built, the remote hooks take the requests
     qint32 localAreaId = 0;   // area that is handled as local
     qint32 writeMode = 0;     // 2: host writes go to the controller; else to the data image alone
-    qint32 finishFlag = 0;    // driver: 1 after a full pass over the cyclic list, or when nothing is to be sent
+    qint32 finishFlag = 0;    // driver: 1 when more requests have completed than the cyclic list has entries, or when
+                              // nothing is to be sent; 0 after a rebuild or a give-up
     qint32 hostHandle = 0;    // first argument of the notify callback
 };
 

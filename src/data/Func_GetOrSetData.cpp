@@ -32,7 +32,7 @@ QByteArray controllerBytes(int typeCode, int count, const QByteArray& data) {
 
 // While the link is down the host still sees what it wrote; the frame builder does it otherwise.
 void writeChunk(RW_VAR& request) {
-    if (PLC_driver.comInfo->writeMode != WriteToController) {
+    if (PLC_driver.settings().writeMode != WriteToController) {
         WriteDataToLocal(&request);
         return;
     }
@@ -52,6 +52,7 @@ void writeChunks(RW_VAR& request, const QByteArray& bytes) {
 }  // namespace
 
 int GetRegisterData(QString label, int, QString labelIndex, int, QByteArray* out, int count) {
+    if (out == nullptr) return 0;
     ControlInformationM info;
     if (resolveHostLabel(label, labelIndex, info) != HostLabelResolved) {
         *out = zeroValue(count);
@@ -66,12 +67,13 @@ int GetRegisterData(QString label, int, QString labelIndex, int, QByteArray* out
 
 int SetRegisterData(QString label, int dataType, QString labelIndex, int station, QByteArray* data, int count,
                     int varType, int varId) {
+    if (data == nullptr) return 0;
     ControlInformationM info;
     const Host_Label outcome = resolveHostLabel(label, labelIndex, info);
     if (outcome == HostLabelNotRewritten) *data = zeroValue(count);
     if (outcome != HostLabelResolved) return 0;
 
-    const ComInfo& settings = *PLC_driver.comInfo;
+    const ComInfo& settings = PLC_driver.settings();
     RW_VAR request;
     request.varType = varType;
     request.varId = varId;

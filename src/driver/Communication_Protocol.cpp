@@ -14,10 +14,11 @@ Communication_Protocol::Communication_Protocol()
       cycleCount(0),
       commFailed(false),
       spareFlag(false),
-      labelGeneration(0) {}
+      labelGeneration(0),
+      marksCached(false) {}
 
-// Not with QList::move: once the list has used up the room behind its end, that shifts every entry at each call.
-// Appending makes room for many entries at a time.
+// QList::move would shift every entry at each call once there is no room left behind the last one. Appending makes room
+// for many entries at a time.
 void rotate(QList<RW_VAR>& list, int count) {
     if (list.size() < 2) return;
     for (int i = 0; i < count; ++i) {
@@ -34,8 +35,8 @@ void removeQueued(QList<RW_VAR>& queue, int place) {
 }
 
 void passRetValue(const RW_VAR& source, RW_VAR& target) {
-    // Copied aside and moved in: the strings are let go by our own code, where the thread sanitizer sees their
-    // counters; inside Qt, which is not built for it, it would take the last owner's release for a race.
+    // Copied aside and moved in, so that the target's old strings are freed by our own code. Freed inside Qt, which is
+    // not built for the thread sanitizer, they would be reported as a race.
     RW_VAR copy = source;
     copy.data = QByteArray();
     target = std::move(copy);

@@ -32,7 +32,7 @@ class Communication_Protocol {
 public:
     Communication_Protocol();
 
-    ComInfo* comInfo;                                  // set-up; its driver words: exchange thread, finishFlag: atomic
+    ComInfo* comInfo;                                  // set-up; null: the driver's own settings are used
     QList<RW_VAR> readList GUARDED_BY(listMutex);      // cyclic list; its head is the next to read
     QList<RW_VAR> writeList GUARDED_BY(listMutex);     // at most QueueLimit entries
     QList<RW_VAR> onceReadList GUARDED_BY(listMutex);  // at most QueueLimit entries; changed through onceReadIndex
@@ -60,7 +60,13 @@ public:
     QHash<QString, ControlInformationM> labelCache GUARDED_BY(labelMutex);
     Driver_Mutex labelMutex;
     quint32 labelGeneration GUARDED_BY(labelMutex);       // counts label deliveries, so that no stale record is cached
+    bool marksCached GUARDED_BY(labelMutex);              // a label in labelCache holds the mark of a template
     Once_Read_Index onceReadIndex GUARDED_BY(listMutex);  // which reads onceReadList holds
+    ComInfo ownSettings;                                  // all words 0; in use while the host has set none
+
+    // The settings to work on: the host's, or the driver's own. The words that the driver changes belong to the
+    // exchange thread, finishFlag is atomic, the others are only read.
+    ComInfo& settings() { return comInfo != nullptr ? *comInfo : ownSettings; }
 
 private:
     Communication_Protocol(const Communication_Protocol&);
@@ -70,15 +76,13 @@ private:
 // The one driver object, constructed when the library is loaded.
 VORNEX_EXPORT extern Communication_Protocol PLC_driver;
 
-// Moves the first `count` entries of a cyclic list to its end, one by one.
-// Thread, locks: the caller's.
+// Moves the first `count` entries of a cyclic list to its end, one by one. The caller holds the list's lock.
 void rotate(QList<RW_VAR>& list, int count);
 
 // Removes an entry of writeList or onceReadList.
 void removeQueued(QList<RW_VAR>& queue, int place) REQUIRES(PLC_driver.listMutex);
 
-// Copies every field but `data`, which becomes empty in `target`.
-// Thread, locks: the caller's.
+// Copies every field but `data`, which becomes empty in `target`. The caller holds what guards the two records.
 VORNEX_EXPORT void passRetValue(const RW_VAR& source, RW_VAR& target);
 
 #endif

@@ -22,8 +22,8 @@ void switchStation(int station, int flag) {
 
 void SetComInfo(ComInfo* settings) {
     PLC_driver.comInfo = settings;
-    settings->reserved10 = 0;
-    settings->reserved13 = 0;
+    PLC_driver.settings().reserved10 = 0;
+    PLC_driver.settings().reserved13 = 0;
 }
 
 void RegistCallBackFuncIntf(Notify_Func notify, Failure_Func failure) {

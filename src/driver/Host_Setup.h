@@ -4,8 +4,7 @@
 
 #include "driver/Communication_Protocol.h"
 
-// True when the station is switched off.
-// Thread: any. Locks: stationMutex.
+// True when the station is switched off. Any thread; takes stationMutex.
 VORNEX_EXPORT bool Ethernetcontains(int station) EXCLUDES(PLC_driver.stationMutex);
 
 // Always 0: this controller has no textual addresses.

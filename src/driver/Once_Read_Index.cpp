@@ -14,8 +14,8 @@ bool operator==(const Once_Read_Key& a, const Once_Read_Key& b) {
            a.station == b.station && a.dataType == b.dataType && a.areaId == b.areaId;
 }
 
-// Addresses and identifiers tell nearly all reads apart, and both run in steps: a product by a large odd number spreads
-// them.
+// Nearly all reads differ in address or identifier. Both rise in even steps; multiplying by a large odd number spreads
+// them over all buckets.
 uint qHash(const Once_Read_Key& key) {
     const quint32 words[] = {static_cast<quint32>(key.varId), static_cast<quint32>(key.length),
                              static_cast<quint32>(key.station), static_cast<quint32>(key.varType),
@@ -27,13 +27,13 @@ uint qHash(const Once_Read_Key& key) {
 }
 
 bool Once_Read_Index::holds(const QList<RW_VAR>& queue, const RW_VAR& read) {
-    if (!describes(queue)) describe(queue);
+    if (!describes(queue)) countAnew(queue);
     return counts_.contains(Once_Read_Key(read));
 }
 
 void Once_Read_Index::append(QList<RW_VAR>& queue, const RW_VAR& read) {
-    if (!describes(queue)) describe(queue);
-    described_ = QList<RW_VAR>();  // the queue is its list's only owner again and is not copied by the change
+    if (!describes(queue)) countAnew(queue);
+    described_ = QList<RW_VAR>();  // while the copy shares the entries, the change would copy them all
     ++counts_[Once_Read_Key(read)];
     queue.append(read);
     described_ = queue;
@@ -50,7 +50,7 @@ void Once_Read_Index::removeAt(QList<RW_VAR>& queue, int place) {
     if (described) described_ = queue;
 }
 
-void Once_Read_Index::describe(const QList<RW_VAR>& queue) {
+void Once_Read_Index::countAnew(const QList<RW_VAR>& queue) {
     counts_.clear();
     for (int i = 0; i < queue.size(); ++i)
         ++counts_[Once_Read_Key(queue.at(i))];

@@ -11,7 +11,7 @@ namespace {
 // Third argument of the notify callback.
 enum Notify_State { StateGood = 1, StateGivenUp = 2 };
 
-bool isLocal(const RW_VAR& request) { return request.areaId == PLC_driver.comInfo->localAreaId; }
+bool isLocal(const RW_VAR& request) { return request.areaId == PLC_driver.settings().localAreaId; }
 
 bool lengthDiffers(int expected, int length) { return expected != length && expected != -1; }
 
@@ -36,7 +36,7 @@ int checkRemoteReply(QByteArray& reply, int length, int expected) {
     if (replyKind(reply) == BadReply) return CheckRemoteBadReply;
     if (PLC_driver.protocolList.first().request.remoteStore != -1) return CheckRemoteNotStored;
     storeReply(reply);
-    return PLC_driver.comInfo->frameDone == 1 ? CheckRemoteNotStored : CheckAccepted;
+    return PLC_driver.settings().frameDone == 1 ? CheckRemoteNotStored : CheckAccepted;
 }
 
 int checkReply(QByteArray* reply, int length, bool local) {
@@ -50,17 +50,18 @@ bool sameVariable(const RW_VAR& a, const RW_VAR& b) { return a.varType == b.varT
 
 void notify(const RW_VAR& finished, Notify_State state) {
     if (PLC_driver.notifyFunc != nullptr)
-        PLC_driver.notifyFunc(PLC_driver.comInfo->hostHandle, finished.varType, finished.varId, state);
+        PLC_driver.notifyFunc(PLC_driver.settings().hostHandle, finished.varType, finished.varId, state);
 }
 
-// Another piece of the head's variable is queued behind it. One-shot reads count only pieces of the local area.
+// Whether another piece of the first entry's variable is queued behind it. `localOnly`: only pieces of the local area
+// count.
 bool morePieces(const QList<RW_VAR>& queue, bool localOnly) {
     for (int i = 1; i < queue.size(); ++i)
         if (sameVariable(queue.at(i), queue.first()) && (!localOnly || isLocal(queue.at(i)))) return true;
     return false;
 }
 
-// The host hears of a variable once: with its last piece, or with the piece that failed.
+// Tells the host of a variable once: when its last piece is done, or when a piece of it is given up.
 void notifyHead(const QList<RW_VAR>& queue, bool localOnly, bool failed) {
     if (failed)
         notify(queue.first(), StateGivenUp);
@@ -73,7 +74,8 @@ void finishHead(QList<RW_VAR>& queue) REQUIRES(PLC_driver.listMutex) {
     removeQueued(queue, 0);
 }
 
-// The head's mark tells a list that still holds the reads in flight from one that was rebuilt meanwhile.
+// Moves the reads of the finished frame to the end of the cyclic list. When the list was rebuilt while the frame was in
+// flight, its first entry is not marked as sent and nothing is moved.
 void finishCyclicRead() REQUIRES(PLC_driver.listMutex) {
     QList<RW_VAR>& list = PLC_driver.readList;
     if (list.isEmpty() || list.first().status != StatusReplyPending) return;
@@ -96,7 +98,7 @@ void finishRequest(bool local, bool failed) REQUIRES(PLC_driver.listMutex) {
 
 // Removes the other pieces of the variable that was given up.
 void dropPieces(QList<RW_VAR>& queue, const RW_VAR& failed) REQUIRES(PLC_driver.listMutex) {
-    const bool minded = PLC_driver.comInfo->multiStation != 0;
+    const bool minded = PLC_driver.settings().multiStation != 0;
     for (int i = queue.size() - 1; i >= 0; --i)
         if (sameVariable(queue.at(i), failed) && (!minded || queue.at(i).station == failed.station))
             removeQueued(queue, i);
@@ -111,16 +113,17 @@ void dropFailed() REQUIRES(PLC_driver.listMutex) {
     if (PLC_driver.currentKind == OnceRead) dropPieces(PLC_driver.onceReadList, PLC_driver.result);
 }
 
-// More completed requests than the cyclic list holds: every one of its entries has been read once.
+// Counts a completed local request while finishFlag is 0, and sets the flag once more have been completed than the
+// cyclic list has entries. Writes and one-shot reads count as well.
 void countTowardsFullPass(bool local) REQUIRES(PLC_driver.listMutex) {
-    if (!local || sharedRead(PLC_driver.comInfo->finishFlag) != 0) return;
+    if (!local || sharedRead(PLC_driver.settings().finishFlag) != 0) return;
     if (++PLC_driver.cycleCount <= PLC_driver.readList.size()) return;
     PLC_driver.cycleCount = 0;
-    sharedWrite(PLC_driver.comInfo->finishFlag, 1);
+    sharedWrite(PLC_driver.settings().finishFlag, 1);
 }
 
 void countFailure(int code, bool local) EXCLUDES(PLC_driver.listMutex) {
-    ComInfo& settings = *PLC_driver.comInfo;
+    ComInfo& settings = PLC_driver.settings();
     // Never reset by a good reply: the limit bounds the failures since the last give-up, whatever request they hit.
     if (settings.retryCount < INT_MAX) ++settings.retryCount;
     const Mutex_Lock lock(PLC_driver.listMutex);
@@ -139,7 +142,7 @@ void countFailure(int code, bool local) EXCLUDES(PLC_driver.listMutex) {
 }
 
 void countGoodReply(int code, bool local) EXCLUDES(PLC_driver.listMutex) {
-    ComInfo& settings = *PLC_driver.comInfo;
+    ComInfo& settings = PLC_driver.settings();
     sharedWrite(PLC_driver.commFailed, false);
     ++settings.frameDone;
     const Mutex_Lock lock(PLC_driver.listMutex);
@@ -151,7 +154,7 @@ void countGoodReply(int code, bool local) EXCLUDES(PLC_driver.listMutex) {
     PLC_driver.result.status = code;
 }
 
-// Only the exchange thread touches the record; the host reads it on that thread between two calls.
+// Needs no lock here: only the exchange thread touches the record, and the host reads it on that thread between calls.
 RW_VAR& resultRecord() NO_THREAD_SAFETY_ANALYSIS { return PLC_driver.result; }
 
 }  // namespace

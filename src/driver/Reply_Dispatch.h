@@ -1,4 +1,4 @@
-// Result codes of the reply dispatch.
+// Result codes of the reply dispatch. On the exchange thread; no locks.
 #ifndef VORNEX_DRIVER_REPLY_DISPATCH_H
 #define VORNEX_DRIVER_REPLY_DISPATCH_H
 
@@ -17,11 +17,9 @@ enum Reply_Check {
 };
 
 // Result_Code of a Reply_Check, with the type offset of the request in flight; 200 for any other number.
-// Thread: exchange. Locks: none.
 VORNEX_EXPORT int GetDriverReturnValue(int check);
 
 // base + 1 + type offset: the varType of the request in flight when it is 1 to 11, else 0.
-// Thread: exchange. Locks: none.
 VORNEX_EXPORT int SwitchErrorReturn(int base);
 
 #endif

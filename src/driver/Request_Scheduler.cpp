@@ -8,7 +8,7 @@
 
 namespace {
 
-// Served in a row before the next source gets its turn.
+// Writes, or one-shot reads, served in a row before the other lists get their turn.
 enum { BurstLimit = 5 };
 
 // Summed request lengths of one group: the controller answers no more in one frame.
@@ -22,7 +22,7 @@ bool findEnabled(QList<RW_VAR>& queue) REQUIRES(PLC_driver.listMutex) {
 }
 
 void buildRead(RW_VAR& request) REQUIRES(PLC_driver.listMutex) {
-    if (PLC_driver.comInfo->remoteMode != 0)
+    if (PLC_driver.settings().remoteMode != 0)
         Remote_ReadVar(&request);
     else
         ReadRegister(&request);
@@ -32,7 +32,7 @@ void buildRead(RW_VAR& request) REQUIRES(PLC_driver.listMutex) {
 bool serveWrite() REQUIRES(PLC_driver.listMutex) {
     if (PLC_driver.writeBurst >= BurstLimit || !findEnabled(PLC_driver.writeList)) return false;
     RW_VAR request = PLC_driver.writeList.at(0);
-    if (PLC_driver.comInfo->remoteMode != 0)
+    if (PLC_driver.settings().remoteMode != 0)
         Remote_WriteVar(&request);
     else
         WriteRegister(&request);
@@ -51,8 +51,8 @@ bool serveOnceRead() REQUIRES(PLC_driver.listMutex) {
     return true;
 }
 
-// Rotates the cyclic list until its head is for an enabled station. False when there is none: once around, the list
-// would stand as before.
+// Moves entries for switched-off stations from the head of the cyclic list to its end, until an entry for an enabled
+// station is first. False, with the list unchanged, when no entry is for an enabled station.
 bool rotateToEnabled() REQUIRES(PLC_driver.listMutex) {
     QList<RW_VAR>& list = PLC_driver.readList;
     int disabled = 0;
@@ -63,7 +63,8 @@ bool rotateToEnabled() REQUIRES(PLC_driver.listMutex) {
     return true;
 }
 
-// Adds the entries of the cyclic list behind its head as long as they fit, in list order and whatever their station.
+// Adds the entries that follow the head of the cyclic list to the group, in list order and whatever their station, up
+// to the first that would take the group over its limit.
 void gatherGroup(const QList<RW_VAR>& list) REQUIRES(PLC_driver.listMutex) {
     qint64 bytes = list.first().length;
     for (int i = 1; i < list.size() && i < frame_layout::MostRanges; ++i) {
@@ -78,7 +79,7 @@ void serveCyclicRead() REQUIRES(PLC_driver.listMutex) {
     RW_VAR request = PLC_driver.readList.first();
     PLC_driver.readList.first().status = StatusReplyPending;
     PLC_driver.groupList.append(request);
-    if (PLC_driver.comInfo->remoteMode == 0) gatherGroup(PLC_driver.readList);
+    if (PLC_driver.settings().remoteMode == 0) gatherGroup(PLC_driver.readList);
     buildRead(request);
     PLC_driver.currentKind = CyclicRead;
     PLC_driver.writeBurst = 0;
@@ -98,6 +99,6 @@ Protocol* ComCommunication() {
 
     PLC_driver.writeBurst = 0;
     PLC_driver.onceReadBurst = 0;
-    sharedWrite(PLC_driver.comInfo->finishFlag, 1);
+    sharedWrite(PLC_driver.settings().finishFlag, 1);
     return nullptr;
 }

@@ -104,10 +104,6 @@ QString indexGroup(const QVector<qint64>& indexes, int radix) {
     return QLatin1Char('[') + texts.join(QLatin1String(",")) + QLatin1Char(']');
 }
 
-int partCount(const Text_View& text, QChar separator) {
-    return 1 + static_cast<int>(std::count(text.begin, text.begin + text.size, separator));
-}
-
 }  // namespace
 
 bool get_label_address_array_split(QString& segment, QString& indexList) {
@@ -118,9 +114,6 @@ bool get_label_address_array_split(QString& segment, QString& indexList) {
     return true;
 }
 
-// Hardly any label holds a "%" at all, and one character is found much faster than two.
-bool hasMark(const QString& text) { return text.contains(QLatin1Char('%')) && text.contains(QLatin1String(Mark)); }
-
 int get_label_address_array_memory_index(QString indexList, int dimensionCount, const QList<int>& dimensions,
                                          unsigned int& element) {
     return elementNumber(viewOf(indexList), dimensionCount, dimensions, element);
@@ -128,21 +121,22 @@ int get_label_address_array_memory_index(QString indexList, int dimensionCount, 
 
 int elementNumber(const Text_View& indexList, int dimensionCount, const QList<int>& dimensions, unsigned int& element) {
     const Array_Shape shape(dimensionCount, dimensions);
-    if (dimensionCount < 1 || partCount(indexList, QLatin1Char(',')) != dimensionCount || !shape.isSound())
-        return LabelPathMismatch;
+    if (dimensionCount < 1 || !shape.isSound()) return LabelPathMismatch;
 
+    int result = LabelOk;
     unsigned int number = 0;
-    Text_View rest = indexList;
-    Text_View text;
-    for (int d = 0; takePart(rest, QLatin1Char(','), text); ++d) {
+    int d = 0;
+    for (Text_View rest = indexList; rest.size >= 0; ++d) {
+        if (d == dimensionCount) return LabelPathMismatch;
         int index = 0;
         // The upper bound guards what lies behind the array: a write past it would change other data.
-        if (!toNumber(text, shape.radix(), index) || index < shape.low(d) || index >= shape.end(d))
-            return LabelIndexBad;
+        if (!takeNumber(rest, shape.radix(), index) || index < shape.low(d) || index >= shape.end(d))
+            result = LabelIndexBad;  // unless their number is wrong
         number = number * static_cast<unsigned int>(shape.extent(d)) + static_cast<unsigned int>(index - shape.low(d));
     }
-    element = number;
-    return LabelOk;
+    if (d != dimensionCount) return LabelPathMismatch;
+    if (result == LabelOk) element = number;
+    return result;
 }
 
 int Address_offset(const Label_Type_Info& entry, QString& segment, int index) {

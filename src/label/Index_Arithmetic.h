@@ -34,9 +34,6 @@ VORNEX_EXPORT int get_label_address_array_memory_index(QString indexList, int di
 int elementNumber(const Text_View& indexList, int dimensionCount, const QList<int>& dimensions, unsigned int& element)
     __attribute__((warn_unused_result));
 
-// Whether the text holds the mark "%%" of a template.
-bool hasMark(const QString& text);
-
 // Rewrites the index group of one array segment for an index number: "%%" becomes the number, "a+b" its sum, missing
 // indexes the lowest ones; indexes past the end carry into the next outer dimension, past the whole array into its
 // last element. Offset_Result; anything but OffsetRewritten leaves `segment` unchanged.

@@ -4,19 +4,6 @@
 
 namespace {
 
-int indexOf(const Text_View& text, QChar sought) {
-    for (int i = 0; i < text.size; ++i)
-        if (text.begin[i] == sought) return i;
-    return -1;
-}
-
-int lastIndexOf(const Text_View& text, QChar sought) {
-    int i = text.size - 1;
-    while (i >= 0 && text.begin[i] != sought)
-        --i;
-    return i;
-}
-
 Text_View part(const Text_View& text, int from, int size) {
     const Text_View view = {text.begin + from, size};
     return view;
@@ -25,17 +12,31 @@ Text_View part(const Text_View& text, int from, int size) {
 // As many decimal digits stay below the largest int in every radix.
 enum { PlainDigits = 6 };
 
-// Reads what nearly every index is: a few decimal digits. False when the text is anything else.
-bool plainNumber(const Text_View& text, int radix, int& number) {
-    if (text.size < 1 || text.size > PlainDigits) return false;
-    int value = 0;
-    for (int i = 0; i < text.size; ++i) {
-        const int digit = text.begin[i].unicode() - '0';
-        if (digit < 0 || digit > 9 || digit >= radix) return false;
-        value = value * radix + digit;
-    }
-    number = value;
-    return true;
+// Letters, digits and all that is not ASCII: what names are made of.
+bool isOfNames(ushort character) { return character > ']' || (character >= '0' && character <= 'Z'); }
+
+bool isName(const Text_View& text) {
+    const QChar* const end = text.begin + text.size;
+    const QChar* at = text.begin;
+    while (at != end && isOfNames(at->unicode()))
+        ++at;
+    return at == end;
+}
+
+// The brackets met in one segment.
+struct Brackets {
+    int open;     // where the last "[" stands in the segment, or -1
+    bool closed;  // a "]" stands anywhere in it
+};
+const Brackets NoBrackets = {-1, false};
+
+Label_Segment segmentWith(const Brackets& brackets, const Text_View& segment) {
+    Label_Segment split = {segment, part(segment, 0, 0), brackets.open >= 0 && brackets.closed};
+    if (!split.hasIndex) return split;
+    split.name.size = brackets.open;
+    // In "a]b[" nothing is between the last "[" and the final character.
+    split.indexList = part(segment, brackets.open + 1, qMax(segment.size - brackets.open - 2, 0));
+    return split;
 }
 
 }  // namespace
@@ -45,35 +46,58 @@ bool equals(const Text_View& view, const QString& text) {
            std::memcmp(view.begin, text.constData(), static_cast<size_t>(view.size) * sizeof(QChar)) == 0;
 }
 
-bool takePart(Text_View& rest, QChar separator, Text_View& taken) {
-    if (rest.size < 0) return false;
-    const int at = indexOf(rest, separator);
-    taken = part(rest, 0, at < 0 ? rest.size : at);
-    rest = at < 0 ? part(rest, 0, -1) : part(rest, at + 1, rest.size - at - 1);
-    return true;
-}
+bool takeNumber(Text_View& rest, int radix, int& number) {
+    // Nearly every index is a few decimal digits, which are read on the way to the comma.
+    unsigned int value = 0;
+    bool plain = true;
+    int size = 0;
+    for (; size < rest.size && rest.begin[size] != QLatin1Char(','); ++size) {
+        const unsigned int digit = rest.begin[size].unicode() - static_cast<unsigned int>('0');
+        plain = plain && digit <= 9 && digit < static_cast<unsigned int>(radix);
+        value = value * static_cast<unsigned int>(radix) + digit;
+    }
+    const Text_View text = part(rest, 0, size);
+    rest = size < rest.size ? part(rest, size + 1, rest.size - size - 1) : part(rest, size, -1);
 
-bool toNumber(const Text_View& text, int radix, int& number) {
-    if (plainNumber(text, radix, number)) return true;
-    bool ok = false;
-    number = textOf(text).toInt(&ok, radix);
-    return ok;
+    bool isNumber = plain && size > 0 && size <= PlainDigits;
+    number = isNumber ? static_cast<int>(value) : textOf(text).toInt(&isNumber, radix);
+    return isNumber;
 }
 
 Label_Segment splitSegment(const Text_View& segment) {
-    const int open = lastIndexOf(segment, QLatin1Char('['));
-    const bool hasIndex = open >= 0 && indexOf(segment, QLatin1Char(']')) >= 0;
-    Label_Segment split = {segment, part(segment, 0, 0), hasIndex};
-    if (!hasIndex) return split;
-    split.name.size = open;
-    // In "a]b[" nothing is between the last "[" and the final character.
-    split.indexList = part(segment, open + 1, qMax(segment.size - open - 2, 0));
-    return split;
+    Brackets brackets = NoBrackets;
+    for (int i = 0; i < segment.size; ++i) {
+        if (segment.begin[i] == QLatin1Char('[')) brackets.open = i;
+        if (segment.begin[i] == QLatin1Char(']')) brackets.closed = true;
+    }
+    return segmentWith(brackets, segment);
 }
 
-void splitLabel(const QString& label, Label_Path& path) {
-    Text_View rest = viewOf(label);
-    Text_View segment;
-    while (takePart(rest, QLatin1Char('.'), segment))
-        path.append(splitSegment(segment));
+bool hasMark(const QString& text) {
+    for (int i = 1; i < text.size(); ++i)
+        if (text.at(i) == QLatin1Char('%') && text.at(i - 1) == QLatin1Char('%')) return true;
+    return false;
+}
+
+Label_Kind splitLabel(const QString& label, Label_Path& path) {
+    const Text_View text = viewOf(label);
+    if (isName(text)) return LabelName;  // as most are
+    Label_Kind kind = LabelName;
+    Brackets brackets = NoBrackets;
+    int begin = 0;
+    for (int i = 0; i < text.size; ++i) {
+        const ushort character = text.begin[i].unicode();
+        if (isOfNames(character)) continue;
+        if (character == '%' && i > 0 && text.begin[i - 1] == QLatin1Char('%')) kind = LabelTemplate;
+        if (character != '.' && character != '[' && character != ']') continue;
+        if (kind == LabelName) kind = LabelPath;
+        if (character == '[') brackets.open = i - begin;
+        if (character == ']') brackets.closed = true;
+        if (character != '.') continue;
+        path.append(segmentWith(brackets, part(text, begin, i - begin)));
+        brackets = NoBrackets;
+        begin = i + 1;
+    }
+    if (kind != LabelName) path.append(segmentWith(brackets, part(text, begin, text.size - begin)));
+    return kind;
 }

@@ -21,12 +21,12 @@ inline QString textOf(const Text_View& view) { return QString(view.begin, view.s
 
 bool equals(const Text_View& view, const QString& text);
 
-// The part before the first `separator`, which is taken off `rest` together with the separator. False when nothing is
-// left; an empty text has one part, the empty one. `rest.size` is -1 behind the last part.
-bool takePart(Text_View& rest, QChar separator, Text_View& part);
+// Takes the first part off a list separated by commas; an empty text has one part, the empty one, and `rest.size` is -1
+// behind the last. True when the part is a number, as QString::toInt reads it.
+bool takeNumber(Text_View& rest, int radix, int& number);
 
-// The number that QString::toInt reads in the text; false when it reads none.
-bool toNumber(const Text_View& text, int radix, int& number);
+// Whether the text holds the mark "%%" of a template.
+bool hasMark(const QString& text);
 
 // A segment: "Grid[1,2]" has the name "Grid" and the index list "1,2". The last "[" opens the index group, the
 // segment's final character closes it, whatever it is; without a "]" anywhere there is no group.
@@ -41,7 +41,15 @@ Label_Segment splitSegment(const Text_View& segment);
 // As many segments as hardly any label has: a longer path takes its place from the heap.
 typedef QVarLengthArray<Label_Segment, 8> Label_Path;
 
-// Appends the label's segments to `path`; `label` has to outlive it.
-void splitLabel(const QString& label, Label_Path& path);
+// What a label's text is, by its characters alone.
+enum Label_Kind {
+    LabelName,      // a name alone: no index, no member
+    LabelPath,      // segments with indexes or members
+    LabelTemplate,  // holds the mark "%%"
+};
+
+// Appends the segments of a label to `path`, but not those of a name alone; `label` has to outlive it. Looks at each
+// character once, since many labels are resolved in a row.
+Label_Kind splitLabel(const QString& label, Label_Path& path);
 
 #endif

@@ -1,8 +1,6 @@
 #include "lists/Func_Initi.h"
 
-#include <algorithm>
-#include <numeric>
-
+#include "lists/Address_Sort.h"
 #include "lists/Read_Packing.h"
 
 namespace {
@@ -23,33 +21,13 @@ public:
     int size() const { return list_.size(); }
     quint32 address(int i) const { return list_.at(i).address; }
     int length(int i) const { return list_.at(i).length; }
-    const RW_VAR& record(int i) const { return list_.at(i); }
+    void describe(int i, RW_VAR& request) const { request = list_.at(i); }
 
 private:
     const QList<RW_VAR>& list_;
 };
 
-// Appends to `sorted` at the places that one byte of the keys gives them, which `starts` leads to.
-void distribute(const QVector<quint64>& keys, int shift, int* starts, quint64* sorted) {
-    for (int i = 0; i < keys.size(); ++i)
-        sorted[starts[keys.at(i) >> shift & 0xFF]++] = keys.at(i);
-}
-
 }  // namespace
-
-// Byte by byte of the address, the lowest first: a comparing sort takes a third of a rebuild.
-void sortByAddress(QVector<quint64>& keys) {
-    QVector<quint64> sorted(keys.size());
-    for (int shift = 32; shift < 64; shift += 8) {
-        int starts[257] = {};
-        for (int i = 0; i < keys.size(); ++i)
-            ++starts[(keys.at(i) >> shift & 0xFF) + 1];
-        if (std::count(starts, starts + 257, keys.size()) != 0) continue;  // all have the same byte here
-        std::partial_sum(starts, starts + 257, starts);
-        distribute(keys, shift, starts, sorted.data());
-        keys.swap(sorted);
-    }
-}
 
 void appendPieces(RW_VAR& piece, qint64 total, int maximum, QList<RW_VAR>& list) {
     if (total / maximum >= MostPieces) return;
@@ -60,11 +38,9 @@ void appendPieces(RW_VAR& piece, qint64 total, int maximum, QList<RW_VAR>& list)
     }
 }
 
-void growLast(QList<RW_VAR>& list, qint64 end, int maxLength) {
+void cutLast(QList<RW_VAR>& list, qint64 end, int maxLength) {
     const qint64 span = end - signedAddress(list.last().address);
-    if (span <= list.last().length) return;
-    list.last().length = static_cast<int>(qMin<qint64>(span, maxLength));
-    if (span <= maxLength) return;
+    list.last().length = maxLength;
     RW_VAR rest = list.last();
     rest.address += static_cast<quint32>(maxLength);
     appendPieces(rest, span - maxLength, maxLength, list);

@@ -1,11 +1,9 @@
 // Packing of reads into requests of bounded length, in one pass over reads that are sorted by address.
 //
-// What is packed is a `Reads`: size(), address(i), length(i), and record(i), the whole request. A record is asked for
-// only where a request begins: most reads join the request before them and need none.
+// What is packed is a `Reads`: size(), address(i), length(i), and describe(i, request), which makes the whole request.
+// That is asked for only where a request begins: most reads join the request before them.
 #ifndef VORNEX_LISTS_READ_PACKING_H
 #define VORNEX_LISTS_READ_PACKING_H
-
-#include <QtCore/QVector>
 
 #include "driver/Communication_Protocol.h"
 #include "lists/Func_Initi.h"
@@ -13,32 +11,70 @@
 // Addresses count as signed numbers here, and their sums in 64 bits.
 inline qint64 signedAddress(quint32 address) { return static_cast<qint32>(address); }
 
-// Sort key: the address, made unsigned so that order is kept, then the place of what it belongs to.
-inline quint64 sortKey(quint32 address, int place) {
-    return static_cast<quint64>(address ^ 0x80000000u) << 32 | static_cast<quint32>(place);
-}
-inline int placeOf(quint64 key) { return static_cast<int>(key & 0x7FFFFFFF); }
-inline quint32 addressOf(quint64 key) { return static_cast<quint32>(key >> 32) ^ 0x80000000u; }
-
-// Sorts keys by their addresses; equal addresses keep their order. The cost is linear in the number of keys.
-void sortByAddress(QVector<quint64>& keys);
-
 // Appends copies of `piece` that cover `total` bytes from its address on, and leaves it as the last of them.
 void appendPieces(RW_VAR& piece, qint64 total, int maximum, QList<RW_VAR>& list);
 
-// The last request takes in what ends at `end`; what is over the limit becomes further pieces of it.
-void growLast(QList<RW_VAR>& list, qint64 end, int maxLength);
+// Makes the last request as long as it may be. What goes beyond, up to `end`, becomes further requests, copies of the
+// last one with addresses and lengths of their own.
+void cutLast(QList<RW_VAR>& list, qint64 end, int maxLength);
+
+// The request that reads are being packed into: the list's last, of which address and length are kept at hand.
+class Open_Request {
+public:
+    explicit Open_Request(QList<RW_VAR>& list) : last_(list.isEmpty() ? nullptr : &list.last()) {
+        start_ = last_ != nullptr ? signedAddress(last_->address) : 0;
+        end_ = last_ != nullptr ? start_ + last_->length : 0;
+    }
+    bool takesIn(qint64 start, int maxLength) const { return last_ != nullptr && start < start_ + maxLength; }
+    bool covers(qint64 end) const { return end <= end_; }
+    // False when the request would become too long.
+    bool growTo(qint64 end, int maxLength) {
+        if (end - start_ > maxLength) return false;
+        end_ = end;
+        last_->length = static_cast<int>(end - start_);
+        return true;
+    }
+
+private:
+    RW_VAR* last_;  // null while the list is empty
+    qint64 start_;
+    qint64 end_;
+};
+
+// Made in the list: each copy of a record counts its texts anew.
+template <class Reads>
+void appendWhole(const Reads& reads, int i, QList<RW_VAR>& list) {
+    list.append(RW_VAR());
+    reads.describe(i, list.last());
+}
+
+template <class Reads>
+void appendRead(const Reads& reads, int i, int maxLength, QList<RW_VAR>& list) {
+    const int length = reads.length(i);
+    if (length <= 0) return;
+    if (length <= maxLength) {
+        appendWhole(reads, i, list);
+        return;
+    }
+    RW_VAR piece;
+    reads.describe(i, piece);
+    appendPieces(piece, length, maxLength, list);
+}
 
 template <class Reads>
 void packGroups(const Reads& reads, int maxLength, QList<RW_VAR>& list) {
+    Open_Request open(list);
     for (int i = 0; i < reads.size(); ++i) {
         const qint64 start = signedAddress(reads.address(i));
-        if (list.isEmpty() || start >= signedAddress(list.last().address) + maxLength) {
-            RW_VAR piece = reads.record(i);
-            appendPieces(piece, reads.length(i), maxLength, list);
+        const qint64 end = start + reads.length(i);
+        if (!open.takesIn(start, maxLength)) {
+            appendRead(reads, i, maxLength, list);
+        } else if (open.covers(end) || open.growTo(end, maxLength)) {
+            continue;
         } else {
-            growLast(list, start + reads.length(i), maxLength);
+            cutLast(list, end, maxLength);
         }
+        open = Open_Request(list);
     }
 }
 
@@ -47,7 +83,7 @@ template <class Reads>
 void packSingly(const Reads& reads, QList<RW_VAR>& list) {
     for (int i = 0; i < reads.size(); ++i) {
         if (i == 0 || reads.address(i) != reads.address(i - 1))
-            list.append(reads.record(i));
+            appendWhole(reads, i, list);
         else if (reads.length(i) > list.last().length)
             list.last().length = reads.length(i);
     }

@@ -4,12 +4,12 @@
 
 namespace {
 
-// Cuts the read into pieces and queues those that are not queued yet. The record runs along: it ends as the last
-// piece, with the address one past it.
+// Cuts the read into pieces and queues those that are not queued yet. Leaves the record with the length of the last
+// piece and the address one past its end, whether or not the pieces found room.
 void queuePieces(RW_VAR& record, int maxBytes) REQUIRES(PLC_driver.listMutex) {
     for (int left = record.length; left > 0;) {
         if (PLC_driver.onceReadList.size() >= QueueLimit) {
-            // Nothing more can be queued; only the record's end is still to be told.
+            // Nothing more can be queued; the record still has to end as if it had been.
             record.length = left % maxBytes != 0 ? left % maxBytes : maxBytes;
             record.address += static_cast<quint32>(left);
             return;
@@ -26,22 +26,23 @@ void queuePieces(RW_VAR& record, int maxBytes) REQUIRES(PLC_driver.listMutex) {
 
 int AddListWriteVar(RW_VAR* request) {
     const Mutex_Lock lock(PLC_driver.listMutex);
-    if (PLC_driver.writeList.size() < QueueLimit) PLC_driver.writeList.append(*request);
+    if (request != nullptr && PLC_driver.writeList.size() < QueueLimit) PLC_driver.writeList.append(*request);
     return PLC_driver.writeList.size();
 }
 
 int AddListReadVar(RW_VAR* request) {
     const Mutex_Lock lock(PLC_driver.listMutex);
-    PLC_driver.readList.append(*request);
+    if (request != nullptr) PLC_driver.readList.append(*request);
     return PLC_driver.readList.size();
 }
 
 int AddListOnceReadVar(RW_VAR* record) {
+    if (record == nullptr) return 0;
     QString label = record->label;
     ControlInformationM info;
     if (resolveHostLabel(label, record->labelIndex, info) != HostLabelResolved) return 0;
 
-    const ComInfo& settings = *PLC_driver.comInfo;
+    const ComInfo& settings = PLC_driver.settings();
     if (settings.multiStation == 0) record->station = settings.stationNo;
     record->address = info.address;
     record->remoteStore = 0;

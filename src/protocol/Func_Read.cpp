@@ -2,8 +2,8 @@
 
 #include <climits>
 
+#include "protocol/Frame_Building.h"
 #include "protocol/Frame_Layout.h"
-#include "protocol/Frame_Queue.h"
 
 using namespace frame_layout;
 

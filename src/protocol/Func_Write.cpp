@@ -1,8 +1,8 @@
 #include "protocol/Func_Write.h"
 
 #include "base/Shared_Word.h"
+#include "protocol/Frame_Building.h"
 #include "protocol/Frame_Layout.h"
-#include "protocol/Frame_Queue.h"
 #include "protocol/Func_DealData.h"
 
 using namespace frame_layout;

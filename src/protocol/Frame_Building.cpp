@@ -1,4 +1,4 @@
-#include "protocol/Frame_Queue.h"
+#include "protocol/Frame_Building.h"
 
 #include "protocol/Check_Functions.h"
 #include "protocol/Frame_Layout.h"
@@ -15,6 +15,6 @@ void putCheckValue(Frame_Writer& writer) {
 
 void putInFlight(const Protocol& protocol) {
     PLC_driver.protocolList.append(protocol);
-    PLC_driver.comInfo->frameTotal = 1;
-    PLC_driver.comInfo->frameDone = 0;
+    PLC_driver.settings().frameTotal = 1;
+    PLC_driver.settings().frameDone = 0;
 }
