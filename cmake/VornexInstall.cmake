@@ -1,7 +1,7 @@
 # cmake --install, in three components:
 #   runtime  the library, as a host loads it
-#   tools    vornex-label and vornex-sim, the dissector, examples; marked so in tools/
-#   dev      headers, link name, CMake package and pkg-config file
+#   tools    vornex-label and vornex-sim, the dissector, an example plant, the pages for who uses them; marked so in tools/
+#   dev      headers, link name, CMake package and pkg-config file, the example host, the pages for who writes a host
 include(CMakePackageConfigHelpers)
 
 install(TARGETS vornex_label_tcp EXPORT vornex_label_tcp
@@ -28,6 +28,10 @@ endif()
 configure_file(cmake/package/vornex_label_tcp.pc.in vornex_label_tcp.pc @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/vornex_label_tcp.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT dev)
 
+set(data_dir "${CMAKE_INSTALL_DATADIR}/vornex_label_tcp")
+install(FILES examples/minimal_host.cpp DESTINATION "${data_dir}/examples" COMPONENT dev)
 if(VORNEX_TOOLS)
-  install(DIRECTORY examples share/wireshark DESTINATION "${CMAKE_INSTALL_DATADIR}/vornex_label_tcp" COMPONENT tools)
+  install(FILES examples/plant.json DESTINATION "${data_dir}/examples" COMPONENT tools)
+  install(DIRECTORY share/wireshark DESTINATION "${data_dir}" COMPONENT tools)
 endif()
+include(VornexDocs)

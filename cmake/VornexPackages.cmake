@@ -51,8 +51,9 @@ set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libvornex-label-tcp-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} ${this_version}, qtbase5-dev")
+set(CPACK_DEBIAN_DEV_PACKAGE_RECOMMENDS vornex-label-tools)  # whose pages its own pages point to
 set(CPACK_COMPONENT_DEV_DESCRIPTION
-    "Headers, CMake package and pkg-config file for hosts of the driver library.")
+    "Headers, CMake package, pkg-config file and the documentation for hosts of the\ndriver library.")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME vornex-label-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} ${this_version}")

@@ -25,4 +25,6 @@ else()
   find_package(Qt5Core 5.15 REQUIRED)
   target_link_libraries(vornex_qt INTERFACE Qt5::Core)
 endif()
+# Qt's macros "signals", "slots" and "emit" would change names of that kind in other libraries' headers, asio's for one.
+target_compile_definitions(vornex_qt INTERFACE QT_NO_KEYWORDS)
 message(STATUS "Qt ${vornex_qt_major} chosen")

@@ -47,20 +47,4 @@ private:
     const std::uint8_t* const end;
 };
 
-// The bytes with their check value behind them: CRC-16/XMODEM, from a table made bit by bit, and not the code under
-// test.
-inline QByteArray sealedFast(QByteArray bytes) {
-    static unsigned short table[256] = {};
-    for (unsigned i = table[1] == 0 ? 1 : 256; i < 256; ++i) {
-        unsigned crc = i << 8;
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 0x8000 ? crc << 1 ^ 0x1021 : crc << 1) & 0xFFFF;
-        table[i] = static_cast<unsigned short>(crc);
-    }
-    unsigned crc = 0;
-    for (int i = 0; i < bytes.size(); ++i)
-        crc = (crc << 8 & 0xFFFF) ^ table[crc >> 8 ^ static_cast<unsigned char>(bytes.at(i))];
-    return bytes.append(static_cast<char>(crc & 0xFF)).append(static_cast<char>(crc >> 8));
-}
-
 #endif

@@ -118,7 +118,7 @@ local function checkIsRight(raw, pos, length)
     return length >= HeaderSize + CheckSize and u16(raw, pos + length - CheckSize) == crc(raw, pos, length - CheckSize)
 end
 
--- ---- Names file: one element a line, "ADDRESS TAB BYTES TAB VIEW TAB LABEL", "#" begins a comment line ------------
+-- ---- Names file: one element a line, "ADDRESS TAB BYTES TAB KIND TAB WIDTH TAB LABEL", "#" begins a comment line ---
 
 local names = { list = {}, widest = 0, problem = nil }
 
@@ -132,14 +132,15 @@ local function readNames(path)
     local lineNumber = 0
     for line in file:lines() do
         lineNumber = lineNumber + 1
-        local address, bytes, view, name = line:match("^(%d+)\t(%d+)\t(%w+)\t([^\r]+)\r?$")
+        local address, bytes, kind, width, name = line:match("^(%d+)\t(%d+)\t(%a+)\t(%d+)\t([^\r]+)\r?$")
         if address then
-            local entry = { address = tonumber(address), bytes = tonumber(bytes), view = view, name = name }
+            local entry = { address = tonumber(address), bytes = tonumber(bytes), kind = kind, width = tonumber(width),
+                            name = name }
             loaded.list[#loaded.list + 1] = entry
             loaded.widest = math.max(loaded.widest, entry.bytes)
         elseif not line:match("^#") and not line:match("^%s*$") then
-            loaded.problem = string.format("Names file %s:%d: expected ADDRESS, BYTES, VIEW and LABEL with tabs between",
-                                           path, lineNumber)
+            loaded.problem = string.format("Names file %s:%d: expected ADDRESS, BYTES, KIND, WIDTH and LABEL with tabs "
+                                           .. "between, as 'vornex-label labels names' writes them", path, lineNumber)
             break
         end
         if #loaded.list >= MaxNames then break end
@@ -360,12 +361,10 @@ end
 
 -- ---- Show: labels and their values ---------------------------------------------------------------------------------
 
-local sizes = { u8 = 1, s8 = 1, u16 = 2, s16 = 2, u32 = 4, s32 = 4, f32 = 4, u64 = 8, s64 = 8, f64 = 8 }
-
 -- As vornex-label shows them: hex up to 8 bytes is one number, longer runs and bytes stand in the order of the wire.
-local function hexText(range, view)
+local function hexText(range, kind)
     local bytes = range:raw()
-    if view == "hex" and #bytes <= 8 then
+    if kind == "hex" and #bytes <= 8 then
         return "0x" .. bytes:reverse():gsub(".", function(c) return string.format("%02X", c:byte()) end)
     end
     return range:bytes():tohex(false, " ")
@@ -375,20 +374,30 @@ local function printable(text)
     return text:gsub("[^\32-\126]", function(c) return string.format("\\x%02X", c:byte()) end)
 end
 
-local function valueText(range, view)
+local function oneValue(range, kind)
     local bytes = range:len()
-    if view == "text" then
+    if kind == "text" then
         return '"' .. printable(range:raw():match("^[^%z]*")) .. '"'
-    elseif view == "bool" then
+    elseif kind == "bool" then
         return range:raw():find("[^%z]") and "true" or "false"
-    elseif sizes[view] ~= bytes then
-        return hexText(range, view)
-    elseif view == "f32" or view == "f64" then
+    elseif kind == "float" then
         return string.format(bytes == 4 and "%.7g" or "%.15g", range:le_float())
-    elseif bytes == 8 then
-        return tostring(view == "u64" and range:le_uint64() or range:le_int64())
+    elseif kind == "unsigned" then
+        return tostring(bytes == 8 and range:le_uint64() or range:le_uint())
+    elseif kind == "signed" then
+        return tostring(bytes == 8 and range:le_int64() or range:le_int())
     end
-    return tostring(view:sub(1, 1) == "u" and range:le_uint() or range:le_int())
+    return hexText(range, kind)
+end
+
+-- An element wider than its view is a list of values.
+local function valueText(range, entry)
+    local width, bytes = entry.width, range:len()
+    if width == 0 or width == bytes then return oneValue(range, entry.kind) end
+    if bytes % width ~= 0 then return hexText(range) end
+    local values = {}
+    for at = 0, bytes - 1, width do values[#values + 1] = oneValue(range(at, width), entry.kind) end
+    return "[" .. table.concat(values, ", ") .. "]"
 end
 
 -- "Speed", or "Grid[0,0] .. Grid[1,3]" for a run of several.
@@ -407,7 +416,7 @@ local function addLabels(tree, tvb, address, length, dataAt)
         local whole = from >= 0 and from + entry.bytes <= length
         if dataAt and whole then
             local range = tvb:range(dataAt + from, entry.bytes)
-            local value = valueText(range, entry.view)
+            local value = valueText(range, entry)
             tree:add(f.label, range, entry.name):append_text(" = " .. value):add(f.value, range, value)
             single = entry.name .. " = " .. value
         else

@@ -1,38 +1,30 @@
 // Random links, cut into random segments: every reply has to be tied to its request and every value to its address.
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "Process.h"
+#include "Test_Bytes.h"
+
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using vornex::test::checkOf;
+using vornex::test::Process;
 
-void put16(Bytes& bytes, unsigned value) {
-    bytes.push_back(static_cast<std::uint8_t>(value));
-    bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+void put16(std::string& bytes, unsigned value) {
+    bytes += static_cast<char>(value);
+    bytes += static_cast<char>(value >> 8);
 }
 
-void seal(Bytes& bytes) {
-    unsigned crc = 0;
-    for (const std::uint8_t byte : bytes) {
-        for (int bit = 7; bit >= 0; --bit) {
-            const unsigned top = (crc >> 15 ^ byte >> bit) & 1u;
-            crc = (crc << 1 & 0xFFFFu) ^ (top ? 0x1021u : 0u);
-        }
-    }
-    put16(bytes, crc);
-}
-
-std::string hex(const Bytes& bytes) {
+std::string hex(const std::string& bytes) {
     std::string text;
     char digits[3];
-    for (const std::uint8_t byte : bytes) {
-        std::snprintf(digits, sizeof digits, "%02x", byte);
+    for (const char byte : bytes) {
+        std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(byte));
         text += digits;
     }
     return text;
@@ -46,34 +38,25 @@ public:
     void exchange() {
         const bool isWrite = below(4) == 0;
         const unsigned count = isWrite ? 1 : 1 + below(4);
-        Bytes body, items, data;
-        std::string addresses, found;
+        std::string body, items, addresses, found;
         for (unsigned i = 0; i < count; ++i) {
-            const unsigned address = below(50000), length = 1 + below(60);
-            Bytes bytes;
-            for (unsigned b = 0; b < length; ++b)
-                bytes.push_back(static_cast<std::uint8_t>(below(256)));
+            const unsigned address = below(50000);
+            const std::string data = randomBytes(1 + below(60));
             put16(body, address);
             put16(body, 0);
-            put16(body, length);
-            put16(items, length);
-            items.insert(items.end(), bytes.begin(), bytes.end());
-            data = bytes;
+            put16(body, static_cast<unsigned>(data.size()));
+            if (isWrite) body += data;
+            put16(items, static_cast<unsigned>(data.size()));
+            items += data;
             addresses += (i ? "," : "") + std::to_string(address);
-            found += (i ? "," : "") + hex(bytes);
+            found += (i ? "," : "") + hex(data);
         }
-        if (isWrite) body.insert(body.end(), data.begin(), data.end());
-        Bytes request = {0x02, static_cast<std::uint8_t>(body.size()), static_cast<std::uint8_t>(body.size() >> 8),
-                         static_cast<std::uint8_t>(isWrite ? 0x40 : 0x41)};
-        request.insert(request.end(), body.begin(), body.end());
-        Bytes reply;
-        for (int b = 0; b < 4; ++b)
-            reply.push_back(static_cast<std::uint8_t>(below(256)));
-        if (!isWrite) reply.insert(reply.end(), items.begin(), items.end());
-        send('>', request);
+        std::string request(1, 0x02);
+        put16(request, static_cast<unsigned>(body.size()));
+        send('>', request + (isWrite ? '\x40' : '\x41') + body);
         const int requestFrame = frame;
         expected += std::to_string(frame) + "||" + addresses + "|" + (isWrite ? found : "") + "|1\n";
-        send('<', reply);
+        send('<', randomBytes(4) + (isWrite ? "" : items));
         expected += std::to_string(frame) + "|" + std::to_string(requestFrame) + "|" + (isWrite ? "" : addresses) +
                     "|" + (isWrite ? "" : found) + "|1\n";
     }
@@ -83,8 +66,15 @@ public:
 private:
     unsigned below(unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(random); }
 
-    void send(char direction, Bytes bytes) {
-        seal(bytes);
+    std::string randomBytes(unsigned count) {
+        std::string bytes;
+        while (bytes.size() < count)
+            bytes += static_cast<char>(below(256));
+        return bytes;
+    }
+
+    void send(char direction, std::string bytes) {
+        put16(bytes, checkOf(bytes));
         const std::string text = hex(bytes);
         for (std::size_t at = 0; at < text.size();) {
             const std::size_t size = below(3) == 0 ? 2 * (1 + below(20)) : text.size();
@@ -100,15 +90,12 @@ private:
     int frame = 0;
 };
 
-std::string outputOf(const std::string& command) {
-    std::string text;
-    FILE* const pipe = popen(command.c_str(), "r");
-    if (!pipe) return text;
-    char part[4096];
-    for (std::size_t got = 0; (got = fread(part, 1, sizeof part, pipe)) > 0;)
-        text.append(part, got);
-    pclose(pipe);
-    return text;
+// What the program says on standard output.
+std::string outputOf(std::vector<std::string> command) {
+    command.insert(command.begin(), "/usr/bin/env");
+    Process process(command);
+    EXPECT_EQ(process.finish(false, 60000), 0) << process.log();
+    return process.output();
 }
 
 class Random_Link : public ::testing::TestWithParam<unsigned> {};
@@ -118,13 +105,30 @@ TEST_P(Random_Link, everyReplyFindsItsRequest) {
     for (int i = 0; i < 150; ++i)
         link.exchange();
     std::ofstream("random.trace") << link.trace;
-    outputOf(
-        "text2pcap -q -F pcap -r '^(?<dir>[<>]) (?<time>\\d+:\\d\\d:\\d\\d\\.\\d+) (?<data>[0-9a-f]+)$' "
-        "-t '%H:%M:%S.%f' -4 10.0.0.2,10.0.0.1 -T 2000,40000 random.trace random.pcap 2>&1");
-    const std::string found = outputOf(
-        "tshark -X lua_script:" SCRIPT
-        " -r random.pcap -Y vornex -T fields -E separator='|' -e frame.number "
-        "-e vornex.request_in -e vornex.item.address -e vornex.item.data -e vornex.check.status 2>random.errors");
+    outputOf({"text2pcap", "-q", "-F", "pcap", "-r",
+              "^(?<dir>[<>]) (?<time>\\d+:\\d\\d:\\d\\d\\.\\d+) (?<data>[0-9a-f]+)$", "-t", "%H:%M:%S.%f", "-4",
+              "10.0.0.2,10.0.0.1", "-T", "2000,40000", "random.trace", "random.pcap"});
+    const std::string found = outputOf({"tshark",
+                                        "-X",
+                                        "lua_script:" SCRIPT,
+                                        "-r",
+                                        "random.pcap",
+                                        "-Y",
+                                        "vornex",
+                                        "-T",
+                                        "fields",
+                                        "-E",
+                                        "separator=|",
+                                        "-e",
+                                        "frame.number",
+                                        "-e",
+                                        "vornex.request_in",
+                                        "-e",
+                                        "vornex.item.address",
+                                        "-e",
+                                        "vornex.item.data",
+                                        "-e",
+                                        "vornex.check.status"});
     EXPECT_EQ(found, link.expected);
 }
 

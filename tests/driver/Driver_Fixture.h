@@ -5,12 +5,20 @@
 #include <gtest/gtest.h>
 
 #include "Driver_Records.h"
+#include "Qt_Printing.h"
 
 struct Notice {
     int varType;
     int varId;
     int state;
 };
+
+inline QList<quint32> addressesOf(const QList<RW_VAR>& list) {
+    QList<quint32> addresses;
+    for (const RW_VAR& request : list)
+        addresses.append(request.address);
+    return addresses;
+}
 
 class Driver_Fixture : public testing::Test {
 public:

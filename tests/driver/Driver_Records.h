@@ -4,26 +4,21 @@
 
 #include <QtCore/QVector>
 
+#include "Test_Bytes.h"
 #include "driver/Communication_Protocol.h"
 
 inline QByteArray hex(const char* text) { return QByteArray::fromHex(text); }
 
 inline QString text(const char* latin1) { return QString::fromLatin1(latin1); }
 
-// CRC-16/XMODEM bit by bit: slow, obvious, and not the code under test.
-inline unsigned slowCrc(const QByteArray& bytes) {
-    unsigned crc = 0;
-    for (int i = 0; i < bytes.size(); ++i) {
-        crc ^= static_cast<unsigned char>(bytes.at(i)) << 8;
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc & 0x8000 ? crc << 1 ^ 0x1021 : crc << 1) & 0xFFFF;
-    }
-    return crc;
+inline std::string plain(const QByteArray& bytes) {
+    return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
-inline QByteArray sealed(QByteArray bytes) {
-    const unsigned crc = slowCrc(bytes);
-    return bytes.append(static_cast<char>(crc & 0xFF)).append(static_cast<char>(crc >> 8));
+// The bytes with their check value behind them; the check value is not that of the code under test.
+inline QByteArray sealed(const QByteArray& bytes) {
+    const std::string whole = vornex::test::sealed(plain(bytes));
+    return QByteArray(whole.data(), static_cast<int>(whole.size()));
 }
 
 enum { LocalArea = 7, RemoteArea = 8 };
@@ -81,6 +76,8 @@ inline void forgetEverything() {
     PLC_driver.labelTable.clear();
     PLC_driver.labelCache.clear();
     PLC_driver.result = RW_VAR();
+    PLC_driver.ownSettings = ComInfo();
+    SetComInfo(nullptr);
     PLC_driver.currentKind = NoRequestYet;
     PLC_driver.writeBurst = PLC_driver.onceReadBurst = PLC_driver.cycleCount = 0;
     PLC_driver.commFailed = false;

@@ -2,7 +2,10 @@
 #ifndef VORNEX_TESTS_TCP_HOST_H
 #define VORNEX_TESTS_TCP_HOST_H
 
+#include <memory>
 #include <string>
+
+#include "Tcp_Client.h"
 
 struct Protocol;
 
@@ -15,26 +18,26 @@ class Tcp_Host {
 public:
     Tcp_Host(int controllerPort, int patienceMs, Host_Rules hostRules = Host_Rules())
         : rules(hostRules), port(controllerPort), patience(patienceMs) {}
-    ~Tcp_Host() { close(); }
-    Tcp_Host(const Tcp_Host&) = delete;
-    Tcp_Host& operator=(const Tcp_Host&) = delete;
 
     // One frame of the driver's there and back. The status that DataCom gave; -1 when there was nothing to send.
     int exchange();
 
+    long zerosEvery = 0;  // a fault of the line: every so many replies arrive as zeros of the same length; 0: none
+
     long exchanges = 0;
     long failures = 0;  // replies that did not come as they should
+    long zeroed = 0;    // replies that arrived as zeros
+    long replies = 0;   // that arrived at all
 
 private:
     bool connect();
-    void close();
     bool collect(const Protocol& protocol, std::string& reply);
-    bool bytesWait() const;
+    void spoil(std::string& reply);
 
     const Host_Rules rules;
     const int port;
     const int patience;
-    int socket = -1;
+    std::unique_ptr<vornex::test::Tcp_Client> client;
 };
 
 #endif

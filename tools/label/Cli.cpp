@@ -1,118 +1,134 @@
-#include "Cli.h"
+#include "label/Cli.h"
 
-#include <iostream>
+#include <filesystem>
+#include <set>
 
-#include <CLI/CLI.hpp>
-
-#include "Help.h"
-#include "Tool.h"
-#include "Value.h"
-#include "Verb_Table.h"
+#include "host/Host_Error.h"
+#include "label/Tool.h"
+#include "label/verbs/Verb_Table.h"
+#include "labels/Label_Continuation.h"
 
 namespace vornex {
 
 namespace {
 
-template <class Type>
-CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& help, Type* target) {
-    return app.add_option(names, *target, help);
-}
+const char ExitCodes[] =
+    "0    done\n"
+    "1    a mistake in the options or arguments\n"
+    "2    a mistake in a label or in the label file\n"
+    "3    no connection to the controller\n"
+    "4    the driver gave up on a request; its result code is told in words\n"
+    "5    what was read back, or replayed, is not what was expected\n"
+    "6    the driver library cannot be used\n"
+    "8    an output could not be written\n"
+    "130  interrupted by Ctrl-C\n"
+    "141  nobody reads the output any more\n";
 
-CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& help, bool* target) {
-    return app.add_flag(names, *target, help);
-}
+const Page ToolPage = {
+    "Labels of a controller, read, written and watched through the driver",
+    "Loads the driver library as a panel does, resolves labels through it and talks to one controller. Data goes to "
+    "standard output as text, JSON lines or CSV, messages go to standard error. Every verb has its own --help with "
+    "examples.",
+    {},
+    {{"Exit codes", ExitCodes}}};
 
-CLI::Option* bindTo(CLI::App& app, const std::string& names, const std::string& help,
-                    std::vector<std::string>* target) {
-    CLI::Option* option = app.add_option(names, *target, help);
-    // An option takes one value each time it is given, an argument as many as follow.
-    if (names.front() == '-') option->expected(1)->take_all();
-    return option;
-}
-
-// CLI11's own Range puts its types and decimals into every line of the help and every message.
-CLI::Validator within(double low, double high) {
-    const auto check = [low, high](std::string& text) {
-        double number = 0;
-        const bool fits = CLI::detail::lexical_cast(text, number) && number >= low && number <= high;
-        return fits ? std::string()
-                    : "'" + text + "' is no number from " + shortestNumber(low) + " to " + shortestNumber(high);
-    };
-    return CLI::Validator(check, "");
-}
-
-void addOption(CLI::App& app, const Option& option, const std::string& group) {
-    CLI::Option* added =
-        std::visit([&](auto* target) { return bindTo(app, option.names, option.help, target); }, option.target);
-    if (!option.value.empty()) added->type_name(option.value);
-    if (option.isArgument()) added->type_name("");
-    if (option.required) added->required();
-    if (!option.choices.empty()) added->check(CLI::IsMember(option.choices));
-    if (option.low && option.high) added->check(within(*option.low, *option.high));
-    if (!group.empty()) added->group(group);
-}
-
-// The subcommand for a name of one word or two; a group is made when its first verb comes.
-CLI::App& subcommand(CLI::App& app, const Verb& verb) {
-    const std::size_t space = verb.name.find(' ');
-    if (space == std::string::npos) return *app.add_subcommand(verb.name, verb.summary);
-    const std::string group = verb.name.substr(0, space);
-    const auto found = app.get_subcommands([&group](CLI::App* other) { return other->get_name() == group; });
-    CLI::App* const parent =
-        found.empty() ? app.add_subcommand(group, "Work on label files")->require_subcommand(1) : found.front();
-    return *parent->add_subcommand(verb.name.substr(space + 1), verb.summary);
-}
-
-void addVerb(CLI::App& app, const Verb& verb, const std::vector<Option>& common, const Verb*& chosen) {
-    CLI::App& command = subcommand(app, verb);
-    if (verb.hidden) command.group("");
-    // the summary heads the help and stands in the list of verbs, where a description would be too long
-    command.footer((verb.description.empty() ? "" : verb.description + "\n\n") + exampleText(verb));
-    for (const Option& option : verb.options)
-        addOption(command, option, "");
-    for (const Option& option : common)
-        addOption(command, option, "Common options");
-    command.callback([&chosen, &verb] { chosen = &verb; });
-}
-
-int runVerb(const Verb& verb, const Common_Options& options) {
-    Tool tool(options);
-    try {
-        return static_cast<int>(verb.run(tool));
-    } catch (const Tool_Error& error) {
-        tool.out.error(error.what());
-        return static_cast<int>(error.code);
-    } catch (const File_Error& mistake) {
-        tool.out.error(mistake.what());
-        return static_cast<int>(Exit_Code::Label);
+// Scripts rely on the exit codes, other hosts do not know them.
+Exit_Code exitCodeOf(Host_Error::Kind kind) {
+    switch (kind) {
+        case Host_Error::Kind::Settings: return Exit_Code::Usage;
+        case Host_Error::Kind::Label: return Exit_Code::Label;
+        case Host_Error::Kind::NoConnection: return Exit_Code::NoConnection;
+        case Host_Error::Kind::Library: return Exit_Code::Library;
+        case Host_Error::Kind::Interrupted: break;
     }
+    return Exit_Code::Interrupted;
+}
+
+Exit_Code exitCodeOf(Output_Error::Kind kind) {
+    switch (kind) {
+        case Output_Error::Kind::Exists:
+        case Output_Error::Kind::Unusable: return Exit_Code::Usage;
+        case Output_Error::Kind::ReaderGone: return Exit_Code::ReaderGone;
+        case Output_Error::Kind::Failed: break;
+    }
+    return Exit_Code::Output;
+}
+
+Exit_Code tellAndEnd(Tool& tool, const std::string& words, Exit_Code code) {
+    if (code != Exit_Code::ReaderGone) tool.out.error(words);
+    return code;
+}
+
+Exit_Code guarded(Tool& tool, const std::function<Exit_Code()>& work) {
+    try {
+        return work();
+    } catch (const Tool_Error& error) {
+        return tellAndEnd(tool, error.what(), error.code);
+    } catch (const Host_Error& error) {
+        return tellAndEnd(tool, error.what(), exitCodeOf(error.kind));
+    } catch (const Output_Error& error) {
+        const bool exists = error.kind == Output_Error::Kind::Exists;
+        const char* const ways = exists ? "; --append continues it, --force replaces it" : "";
+        return tellAndEnd(tool, std::string(error.what()) + ways, exitCodeOf(error.kind));
+    } catch (const File_Error& mistake) {
+        return tellAndEnd(tool, mistake.what(), Exit_Code::Label);
+    }
+}
+
+// What went wrong first decides the exit code; an output that is not whole is never "ok".
+int runVerb(const Verbs& verbs) {
+    Tool tool(verbs.options);
+    Exit_Code code = guarded(tool, [&] { return verbs.chosen(tool); });
+    const Exit_Code ended = guarded(tool, [&] {
+        tool.out.finish();
+        return tool.anOutputFailed() ? Exit_Code::Output : Exit_Code::Ok;
+    });
+    return static_cast<int>(code == Exit_Code::Ok ? ended : code);
+}
+
+// The completion of labels. A file that cannot be read offers none: this is no place for messages.
+std::optional<Offered_Words> labelWords(const Word_Request& request) {
+    static const std::set<std::string> whole = {"LABEL", "GLOB", "ADDRESS"}, begun = {"ASSIGNMENT", "CONDITION"};
+    if (!whole.count(request.value) && !begun.count(request.value)) return std::nullopt;
+    Offered_Words offered;
+    const auto file = request.given.find("--labels");
+    std::error_code error;
+    if (file == request.given.end() || !std::filesystem::is_regular_file(file->second, error)) return offered;
+    try {
+        const Label_Continuation next = continueLabel(readLabelFile(file->second), request.beginning);
+        offered.words = next.texts;
+        offered.isWhole = next.isWhole && whole.count(request.value) > 0;
+    } catch (const File_Error&) {
+    }
+    return offered;
 }
 
 }  // namespace
 
-int runTool(int argc, char** argv) {
-    CLI::App app("Reads, writes and watches the labels of a controller through the driver, as a panel does.",
-                 "vornex-label");
-    app.set_version_flag("--version", versionText());
-    app.require_subcommand(1);
-    app.footer("Every verb has its own --help with examples.");
+Verbs::Verbs() : program(makeProgram("vornex-label", VORNEX_VERSION, ToolPage)) {
+    addCommonOptions(*program, options, UsesLink);
+#define VORNEX_ADD_VERB(add) add(*this);
+    VORNEX_VERBS(VORNEX_ADD_VERB)
+#undef VORNEX_ADD_VERB
+    addDocumentVerbs(*program);
+}
 
-    Common_Options options;
-    const std::vector<Option> common = commonOptions(options);
-    const std::vector<Verb> verbs = allVerbs();
-    const Verb* chosen = nullptr;
-    for (const Option& option : common)
-        addOption(app, option, "Common options");
-    for (const Verb& verb : verbs)
-        addVerb(app, verb, common, chosen);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) return app.exit(error, std::cout, std::cerr);  // help, version
-        std::cerr << "vornex-label: " << error.what() << "; see --help\n";
-        return static_cast<int>(Exit_Code::Usage);
-    }
-    return runVerb(*chosen, options);
+CLI::App& Verbs::addTo(CLI::App& group, const std::string& name, const Page& page, unsigned uses, Run run) {
+    CLI::App& verb = addVerb(group, name, page, [this, run] { chosen = run; });
+    addCommonOptions(verb, options, uses);
+    return verb;
+}
+
+int runTool(int argc, char** argv) {
+    Verbs verbs;
+    std::optional<int> end;
+    Tool before{Common_Options()};
+    const Exit_Code code = guarded(before, [&] {
+        end = parseCommandLine(*verbs.program, argc, argv, labelWords);
+        return Exit_Code::Ok;
+    });
+    if (code != Exit_Code::Ok) return static_cast<int>(code);
+    return end ? *end : runVerb(verbs);
 }
 
 }  // namespace vornex

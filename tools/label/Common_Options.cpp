@@ -1,26 +1,71 @@
-#include "Common_Options.h"
+#include "label/Common_Options.h"
+
+#include <limits>
+
+#include "cli/Options.h"
+#include "host/Variables.h"
 
 namespace vornex {
 
-std::vector<Option> commonOptions(Common_Options& values) {
-    return {
-        Option("-t,--target", "HOST:PORT", "The controller; without it the label file's \"target\".", &values.target),
-        Option("-l,--labels", "FILE", "The label file.", &values.labelFile),
-        Option("--library", "FILE", "The driver library; without it the one beside the tool.", &values.library),
-        Option("-T,--timeout", "MS", "How long a reply or a connection may take (1000).", &values.timeoutMs)
-            .between(1, 600000),
-        Option("-R,--retries", "N", "Failed replies that the driver bears before it gives up (2).", &values.retries)
-            .between(0, 1000),
-        Option("-m,--max-bytes", "N", "Bytes of one read request at most (240).", &values.maxBytes)
-            .between(1, LongestRequest),
-        Option("--trace", "FILE",
-               "Record every frame and reply: .txt to be read, .jsonl for replay, .hex for text2pcap, - for stderr.",
-               &values.traces),
-        Option("-o,--output", "FORMAT", "text, json (one object a line) or csv.", &values.format)
-            .oneOf({"text", "json", "csv"}),
-        Option("-q,--quiet", "", "Errors only.", &values.quiet),
-        Option("-v,--verbose", "", "Tell more about what is done.", &values.verbose),
-    };
+namespace {
+
+void addLinkOptions(CLI::App& app, Common_Options& values) {
+    startGroup(app, "Link options");
+    addText(app, "-t,--target", "HOST:PORT", values.host.target,
+            "The controller; without it the label file's \"target\".");
+    addNumber(app, "-T,--timeout", "MS", values.host.timeoutMs, 1, 600000,
+              "How long a reply or a connection may take.");
+    addNumber(app, "--settle", "MS", values.host.settleMs, 0, 10000,
+              "How long a new connection is listened to before the first request; what comes closes it.");
+    addNumber(app, "-R,--retries", "N", values.host.retries, 0, 1000,
+              "Failed replies that the driver bears before it gives up.");
+    addNumber(app, "-m,--max-bytes", "N", values.host.maxBytes, 1, LongestRequest,
+              "Bytes of one read request at most.");
+    addTexts(app, "--trace", "FILE", values.traces,
+             "Record every frame and reply: .txt to be read, .jsonl for replay, .hex for text2pcap, - for stderr.");
+    addFlag(app, "--append", values.append, "Continue output files that exist already.");
+    addFlag(app, "--force", values.force, "Replace output files that exist already.");
+}
+
+}  // namespace
+
+void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses) {
+    if (uses == UsesLink) addLinkOptions(app, values);
+    startGroup(app, "Common options");
+    if (uses & UsesLabels) addText(app, "-l,--labels", "FILE", values.labelFile, "The label file.");
+    if (uses & UsesDriver) {
+        addText(app, "--library", "FILE", values.library, "The driver library; without it the one beside the tool.");
+    }
+    addChoice(app, "-o,--output", {"text", "json", "csv"}, values.format,
+              "How data is written; json: an object a line.");
+    addChoice(app, "--time", {"absolute", "relative"}, values.times,
+              "How times are told: with date and zone, or in seconds since the start.");
+    addFlag(app, "-q,--quiet", values.quiet, "Errors only.");
+    addFlag(app, "-v,--verbose", values.verbose, "Tell more about what is done.");
+    startGroup(app, "Options");
+}
+
+void addLabelArguments(CLI::App& app, std::vector<std::string>& labels) {
+    addArgument(app, "LABEL", labels, "A label, an array or structure, or a glob such as 'Motors[*].Speed'.",
+                Need::Must);
+}
+
+void addIndexOptions(CLI::App& app, Template_Index& index) {
+    addNumber(app, "--index", "N", index.number, -std::numeric_limits<int>::max(), std::numeric_limits<int>::max(),
+              "The index that takes the place of %% in a template; without it 0.");
+    addFlag(app, "--wrap", index.mayWrap, "Let an index past the end of its array go on in other elements.");
+}
+
+void addRoundsOption(CLI::App& app, int& rounds) {
+    addNumber(app, "-n,--rounds", "N", rounds, 0, 1000000000, "End after N rounds; 0: go on.");
+}
+
+void addIntervalOption(CLI::App& app, int& milliseconds) {
+    addNumber(app, "-i,--interval", "MS", milliseconds, 0, 86400000, "Least time from round to round.");
+}
+
+void addNoWaitOption(CLI::App& app, bool& noWait) {
+    addFlag(app, "--no-wait", noWait, "End at once when there is no controller at the start.");
 }
 
 }  // namespace vornex

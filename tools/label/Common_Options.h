@@ -1,32 +1,45 @@
-// The options that every verb takes.
+// The options that verbs share, each told once.
 #ifndef VORNEX_LABEL_COMMON_OPTIONS_H
 #define VORNEX_LABEL_COMMON_OPTIONS_H
 
 #include <string>
 #include <vector>
 
-#include "Verb.h"
+#include "host/Host_Settings.h"
+
+namespace CLI {
+class App;
+}
 
 namespace vornex {
 
-// A read item carries 16 bits of length, and the reply's check value covers at most 65,535 bytes.
-constexpr int LongestRequest = 65000;
+struct Template_Index;
 
 struct Common_Options {
-    std::string target;  // "host:port"; empty: the label file's
+    Host_Settings host;
     std::string labelFile;
     std::string library;  // empty: searched
-    int timeoutMs = 1000;
-    int retries = 2;
-    int maxBytes = 240;
     std::vector<std::string> traces;
+    bool append = false;  // files that exist are continued
+    bool force = false;   // or replaced
     std::string format = "text";
+    std::string times = "absolute";
     bool quiet = false;
     bool verbose = false;
 };
 
-// The table of these options, for the command line, the man page and the completion.
-std::vector<Option> commonOptions(Common_Options& values);
+// What a verb works with, and so which options it takes beside those of the output. A verb with a link needs them all.
+enum Uses : unsigned { UsesOutput = 0, UsesLabels = 1, UsesDriver = 2, UsesLink = 4 | UsesLabels | UsesDriver };
+
+void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses);
+
+// LABEL..., as verbs that read take it.
+void addLabelArguments(CLI::App& app, std::vector<std::string>& labels);
+// --index and --wrap.
+void addIndexOptions(CLI::App& app, Template_Index& index);
+void addRoundsOption(CLI::App& app, int& rounds);
+void addIntervalOption(CLI::App& app, int& milliseconds);
+void addNoWaitOption(CLI::App& app, bool& noWait);
 
 }  // namespace vornex
 

@@ -15,7 +15,9 @@ enum class Exit_Code {
     GaveUp = 4,          // the driver gave up on a request, or lost it
     VerifyMismatch = 5,  // what was read back, or replayed, is not what was expected
     Library = 6,         // the driver library cannot be used
+    Output = 8,          // an output could not be written; as in vornex-sim
     Interrupted = 130,   // ended by Ctrl-C
+    ReaderGone = 141,    // nobody reads standard output any more; told by nothing but this, as shells know it
 };
 
 // Ends the verb: the message is printed and the tool exits with the code. So does a File_Error, with Label.

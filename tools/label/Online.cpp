@@ -1,14 +1,52 @@
-#include "Online.h"
+#include "label/Online.h"
+
+#include <optional>
+
+#include "label/Exit_Code.h"
+#include "label/Progress.h"
 
 namespace vornex {
 
-Online::Online(Tool& tool) : session(tool) {
+void Link_Words::linkChanged(const Link_Change& change) {
+    if (change.state == Link_Change::State::Down && told == Loss_Told::ByVerb) return;
+    if (change.unasked) return out.warn(linkText(change));
+    out.detail(linkText(change));
+}
+
+Online::Online(Tool& userTool, Loss_Told lossTold)
+    : session(userTool.driver(), userTool.options.host, userTool.labelsIfAny()),
+      tool(userTool),
+      signals([this] { session.interrupt(); }),
+      linkWords(tool.out, lossTold) {
     session.addObserver(statistics);
+    session.addObserver(linkWords);
     for (const std::string& file : tool.options.traces) {
-        traces.push_back(openTrace(file, tool));
+        traces.push_back(openTrace(
+            file, tool.outputPolicy(), [this](const Output_Error& error) { tool.outputFailed(error); },
+            tool.options.host, tool.labelsIfAny()));
         session.addObserver(*traces.back());
         session.addCallObserver(*traces.back());
     }
+}
+
+void Online::connect(First_Connection first) {
+    tool.out.detail("connecting to " + session.target());
+    session.connect(first);
+}
+
+Read_Progress readProgress(Output& out) {
+    const auto progress = std::make_shared<std::optional<Progress>>();
+    return [&out, progress](std::size_t done, std::size_t all) {
+        if (!*progress) progress->emplace(out, "read", all);
+        (*progress)->at(done);
+    };
+}
+
+void throwFailed(const Span& failed, const std::string& words) {
+    if (failed.completion.state == Completion::State::Interrupted) {
+        throw Tool_Error(Exit_Code::Interrupted, words);
+    }
+    throw Tool_Error(Exit_Code::GaveUp, words);
 }
 
 // The traces must be whole before they are closed.

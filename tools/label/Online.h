@@ -5,24 +5,51 @@
 #include <memory>
 #include <vector>
 
-#include "Session.h"
-#include "Statistics.h"
-#include "Trace.h"
+#include "host/Session.h"
+#include "host/Span_Read.h"
+#include "host/Statistics.h"
+#include "label/Signal_Watch.h"
+#include "label/Tool.h"
+#include "trace/Trace.h"
 
 namespace vornex {
 
+// Tells on a terminal how far a read of several spans is.
+Read_Progress readProgress(Output& out);
+// Ends the verb for a span that was not read: GaveUp, or Interrupted.
+[[noreturn]] void throwFailed(const Span& failed, const std::string& words);
+
+// Who tells that the connection was lost.
+enum class Loss_Told { Here, ByVerb };
+
+// Tells what the connection does that the verb's result does not show: bytes that nobody asked for are warned of, the
+// rest is for -v.
+class Link_Words : public Exchange_Observer {
+public:
+    Link_Words(Output& output, Loss_Told lossTold) : out(output), told(lossTold) {}
+    void linkChanged(const Link_Change& change) override;
+
+private:
+    Output& out;
+    const Loss_Told told;
+};
+
 class Online {
 public:
-    // Throws like Session, and Tool_Error Usage for a trace file that cannot be written.
-    explicit Online(Tool& tool);
+    // Throws Host_Error like its parts.
+    explicit Online(Tool& tool, Loss_Told lossTold = Loss_Told::Here);
     ~Online();
 
-    void connect() { session.connect(); }
+    // Throws Host_Error as Session::connect() does.
+    void connect(First_Connection first = First_Connection::Needed);
 
     Statistics statistics;
     Session session;
 
 private:
+    Tool& tool;
+    Signal_Watch signals;
+    Link_Words linkWords;
     std::vector<std::unique_ptr<Trace>> traces;
 };
 

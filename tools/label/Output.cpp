@@ -1,75 +1,71 @@
-#include "Output.h"
+#include "label/Output.h"
 
 #include <unistd.h>
 
-#include <cstdio>
+#include "text/Csv_Table.h"
 
 namespace vornex {
 
-namespace {
-
-void writeLine(FILE* file, const std::string& line) {
-    std::fwrite(line.data(), 1, line.size(), file);
-    std::fputc('\n', file);
-    std::fflush(file);  // whoever reads the pipe sees a change when it happens
-}
-
-}  // namespace
-
-std::string jsonObject(const Row& row) {
-    std::string line;
-    for (const auto& [name, value] : row.fields) {
-        line += (line.empty() ? "" : ",") + jsonString(name) + ":" + value.json();
-    }
-    return "{" + line + "}";
-}
-
-std::string csvField(const std::string& text) {
-    if (text.find_first_of(",;\"\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (char letter : text) {
-        if (letter == '"') quoted += '"';
-        quoted += letter;
-    }
-    return quoted + "\"";
-}
-
-Output::Output(Format outputFormat, bool isQuiet, bool isVerbose)
+Output::Output(Format outputFormat, Times timesAs, bool isQuiet, bool isVerbose)
     : format(outputFormat),
+      times(timesAs),
       quiet(isQuiet),
       verbose(isVerbose),
       dataOnTerminal(isatty(STDOUT_FILENO) != 0),
-      messagesOnTerminal(isatty(STDERR_FILENO) != 0) {}
+      messagesOnTerminal(isatty(STDERR_FILENO) != 0),
+      data(Output_File::standardOutput()),
+      messages(Output_File::standardError()) {}
 
 void Output::row(const Row& row, const std::string& text) {
-    const std::lock_guard<std::mutex> lock(mutex);
-    clearProgress();
-    if (format == Format::Text) return writeLine(stdout, text);
-    if (format == Format::Json) return writeLine(stdout, jsonObject(row));
+    if (format == Format::Text) return put(text + "\n");
+    if (format == Format::Json) return put(jsonObject(row) + "\n");
     std::string heading, line;
-    for (const auto& [name, value] : row.fields) {
-        heading += (heading.empty() ? "" : ",") + csvField(name);
-        line += (&name == &row.fields.front().first ? "" : ",") +
-                (value.kind == Value::Kind::Null ? std::string() : csvField(value.shown()));
+    for (const auto& [key, value] : row.fields) {
+        heading += (heading.empty() ? "" : ",") + formatCsvCell(key->name);
+        line += (key == row.fields.front().first ? "" : ",") +
+                (value.kind == Value::Kind::Null ? std::string() : formatCsvCell(value.shown()));
     }
-    if (heading != csvHeading) writeLine(stdout, heading);
+    const bool isNew = heading != csvHeading;
     csvHeading = heading;
-    writeLine(stdout, line);
+    put((isNew ? heading + "\n" : "") + line + "\n");
 }
 
 void Output::text(const std::string& line) {
-    if (format != Format::Text) return;
-    const std::lock_guard<std::mutex> lock(mutex);
-    clearProgress();
-    writeLine(stdout, line);
+    if (format == Format::Text) put(line + "\n");
 }
 
-void Output::block(const std::string& text) {
-    if (format != Format::Text) return;
+void Output::block(const std::string& text) { put(text); }
+
+void Output::put(const std::string& text) {
+    checked([&] {
+        clearProgress();
+        data.write(text);
+        if (dataOnTerminal) data.flush();
+    });
+}
+
+void Output::flush() {
+    checked([this] { data.flush(); });
+}
+
+void Output::finish() {
+    checked([this] { data.close(); });
+}
+
+// A failure that came while a message was told is thrown to the next one who puts data.
+void Output::checked(const std::function<void()>& work) {
     const std::lock_guard<std::mutex> lock(mutex);
-    clearProgress();
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fflush(stdout);
+    if (dataFailure) throw *dataFailure;
+    try {
+        work();
+    } catch (const Output_Error& error) {
+        dataFailure.emplace(error);
+        throw;
+    }
+}
+
+std::string Output::time(Wall_Time when) const {
+    return times == Times::Absolute ? timeText(when) : timeSinceText(start, when);
 }
 
 void Output::error(const std::string& words) { message("vornex-label: " + words); }
@@ -88,23 +84,42 @@ void Output::detail(const std::string& words) {
 
 void Output::message(const std::string& line) {
     const std::lock_guard<std::mutex> lock(mutex);
+    if (messageTaker && messagesOnTerminal && dataOnTerminal) return messageTaker(line);
     clearProgress();
-    writeLine(stderr, line);
+    tell(line + "\n");
+}
+
+void Output::divertMessages(std::function<void(const std::string&)> taker) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    messageTaker = std::move(taker);
 }
 
 void Output::progress(const std::string& line) {
     if (quiet || !messagesOnTerminal) return;
     const std::lock_guard<std::mutex> lock(mutex);
-    std::fprintf(stderr, "\r%s\033[K", line.c_str());
-    std::fflush(stderr);
+    tell("\r" + line + "\033[K");
     progressShown = true;
 }
 
 void Output::clearProgress() {
     if (!progressShown) return;
-    std::fputs("\r\033[K", stderr);
-    std::fflush(stderr);
+    tell("\r\033[K");
     progressShown = false;
+}
+
+// Data first, so that both come in their order where they go to one place. Of a message that cannot be told nobody can
+// be told.
+void Output::tell(const std::string& text) {
+    try {
+        data.flush();
+    } catch (const Output_Error& error) {
+        dataFailure.emplace(error);
+    }
+    try {
+        messages.write(text);
+        messages.flush();
+    } catch (const Output_Error&) {
+    }
 }
 
 }  // namespace vornex

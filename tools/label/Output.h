@@ -2,31 +2,27 @@
 #ifndef VORNEX_LABEL_OUTPUT_H
 #define VORNEX_LABEL_OUTPUT_H
 
+#include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
-#include "Value.h"
+#include "text/Output_File.h"
+#include "text/Time_Text.h"
+#include "values/Row.h"
 
 namespace vornex {
 
-// Named fields in the order of a line.
-class Row {
-public:
-    Row& add(std::string name, Value value) {
-        fields.emplace_back(std::move(name), std::move(value));
-        return *this;
-    }
-    std::vector<std::pair<std::string, Value>> fields;
-};
-
-// Safe to use from several threads: lines never mix.
+// Safe to use from several threads: lines never mix. What goes to standard output throws Output_Error when it cannot be
+// written, then and ever after; messages that cannot be told are lost.
 class Output {
 public:
     enum class Format { Text, Json, Csv };
 
-    Output(Format format, bool quiet, bool verbose);
+    // Times are told as they are on the clock, or since the start.
+    enum class Times { Absolute, Relative };
+
+    Output(Format format, Times times, bool quiet, bool verbose);
 
     // One line of data. Text output prints `text`, the others the fields. CSV repeats its heading when the names
     // change.
@@ -34,36 +30,49 @@ public:
     // Data that exists as text alone, such as a heading; nothing in the other formats.
     void text(const std::string& line);
 
-    // Text as it is, line ends included.
+    // Text as it is, line ends included, whatever the format.
     void block(const std::string& text);
+    // Data that was put so far is to be seen now; without it much is written at once, and the rest with finish().
+    void flush();
+    // After the last data: it is written, or Output_Error is thrown.
+    void finish();
+
+    std::string time(Wall_Time when) const;
 
     void error(const std::string& message);   // always
     void warn(const std::string& message);    // not with -q
     void note(const std::string& message);    // not with -q
     void detail(const std::string& message);  // with -v alone
 
+    // Messages go there from now on, when they would appear on the terminal that shows the data; null: as before.
+    void divertMessages(std::function<void(const std::string&)> taker);
+
     // Progress on one line of the terminal, replaced by the next one; nothing when stderr is no terminal.
     void progress(const std::string& line);
 
     const Format format;
+    const Times times;
+    const Wall_Time start = std::chrono::system_clock::now();
     const bool quiet;
     const bool verbose;
     const bool dataOnTerminal;      // stdout is one
     const bool messagesOnTerminal;  // stderr is one
 
 private:
+    void put(const std::string& text);
     void message(const std::string& line);
+    void tell(const std::string& text);
     void clearProgress();
+    void checked(const std::function<void()>& work);
 
     std::mutex mutex;
+    Output_File data;
+    Output_File messages;
+    std::function<void(const std::string&)> messageTaker;
+    std::optional<Output_Error> dataFailure;
     std::string csvHeading;
     bool progressShown = false;
 };
-
-// {"name":value,...}
-std::string jsonObject(const Row& row);
-// A CSV field, quoted when it has to be.
-std::string csvField(const std::string& text);
 
 }  // namespace vornex
 

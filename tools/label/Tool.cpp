@@ -1,4 +1,4 @@
-#include "Tool.h"
+#include "label/Tool.h"
 
 namespace vornex {
 
@@ -12,7 +12,10 @@ Output::Format formatOf(const std::string& name) {
 }  // namespace
 
 Tool::Tool(const Common_Options& commonOptions)
-    : options(commonOptions), out(formatOf(commonOptions.format), commonOptions.quiet, commonOptions.verbose) {}
+    : options(commonOptions),
+      out(formatOf(commonOptions.format),
+          commonOptions.times == "relative" ? Output::Times::Relative : Output::Times::Absolute, commonOptions.quiet,
+          commonOptions.verbose) {}
 
 const Label_File& Tool::labels() {
     if (labelFile) return *labelFile;
@@ -30,6 +33,21 @@ const Driver_Library& Tool::driver() {
         out.detail("driver library " + library->path());
     }
     return *library;
+}
+
+Output_Policy Tool::outputPolicy() const {
+    Output_Policy policy;
+    if (options.force) policy.existing = Existing_File::Replace;
+    if (options.append) policy.existing = Existing_File::Append;
+    for (const std::string& file : {options.labelFile, options.library}) {
+        if (!file.empty()) policy.filesRead.push_back(file);
+    }
+    return policy;
+}
+
+void Tool::outputFailed(const Output_Error& error) {
+    failedOutput = true;
+    out.warn(std::string(error.what()) + "; the run goes on without it");
 }
 
 }  // namespace vornex

@@ -2,13 +2,15 @@
 #ifndef VORNEX_LABEL_TOOL_H
 #define VORNEX_LABEL_TOOL_H
 
+#include <atomic>
 #include <memory>
 #include <string>
 
-#include "../common/Label_File.h"
-#include "Common_Options.h"
-#include "Driver_Library.h"
-#include "Output.h"
+#include "host/Driver_Library.h"
+#include "label/Common_Options.h"
+#include "label/Exit_Code.h"
+#include "label/Output.h"
+#include "labels/Label_File.h"
 
 namespace vornex {
 
@@ -23,6 +25,12 @@ public:
     // The driver, loaded. Throws Tool_Error Library.
     const Driver_Library& driver();
 
+    // How the files of this run treat what is there already.
+    Output_Policy outputPolicy() const;
+    // Any thread: one of several outputs has ended too early. It is told, and the exit code will say so.
+    void outputFailed(const Output_Error& error);
+    bool anOutputFailed() const { return failedOutput; }
+
     const Common_Options options;
     Output out;
 
@@ -30,6 +38,7 @@ private:
     std::unique_ptr<Label_File> labelFile;
     const Label_File noLabels;
     std::unique_ptr<Driver_Library> library;
+    std::atomic<bool> failedOutput{false};
 };
 
 }  // namespace vornex

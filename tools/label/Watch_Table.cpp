@@ -2,87 +2,106 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <utility>
 
-#include "Watch_View.h"
+#include "label/Watch_View.h"
+#include "watch/Table_Lines.h"
 
 namespace vornex {
 
 namespace {
 
-std::string padded(const std::string& text, std::size_t width, bool toRight = false) {
-    std::size_t shown = 0;  // characters, not bytes: a unit may be "°C"
-    for (char letter : text)
-        shown += (static_cast<unsigned char>(letter) & 0xC0) != 0x80 ? 1 : 0;
-    const std::string space(width > shown ? width - shown : 0, ' ');
-    return toRight ? space + text : text + space;
-}
+const std::size_t MessagesKept = 3;
+const char OwnScreen[] = "\033[?1049h\033[?25l";  // without the cursor
+const char OldScreen[] = "\033[?1049l\033[?25h";
 
-std::size_t terminalLines() {
-    winsize size;
-    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 4 ? size.ws_row : 24;
-}
-
-struct Widths {
-    std::size_t label = 5;
-    std::size_t value = 12;
-    std::size_t unit = 4;
-};
-
-Widths widthsOf(const std::vector<Watched>& all) {
-    Widths widths;
-    for (const Watched& watched : all) {
-        widths.label = std::max(widths.label, watched.variable.text.size());
-        widths.value = std::max(widths.value, watched.value.shown().size());
-        widths.unit = std::max(widths.unit, watched.variable.unit.size());
+winsize window() {
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row == 0 || size.ws_col == 0) {
+        size.ws_row = 24;
+        size.ws_col = 80;
     }
-    return widths;
-}
-
-std::string line(const Widths& widths, const std::string& label, const std::string& value, const std::string& unit,
-                 const std::string& state, const std::string& changes, const std::string& address) {
-    return padded(label, widths.label) + "  " + padded(value, widths.value, true) + " " + padded(unit, widths.unit) +
-           "  " + padded(state, 7) + "  " + padded(changes, 7, true) + "  " + padded(address, 10, true);
+    return size;
 }
 
 }  // namespace
 
-void Live_Table::update(const std::vector<Watched>& all) {
-    ++rounds;
-    if (out.dataOnTerminal || rounds == 1) draw(all);
+Live_Table::Live_Table(Output& output, std::string targetText) : out(output), target(std::move(targetText)) {}
+
+Live_Table::~Live_Table() {
+    try {
+        leaveScreen();
+    } catch (const Output_Error&) {  // then nobody sees the screen
+    }
+}
+
+void Live_Table::update(const std::vector<Watched>& all, int newRound) {
+    round = newRound;
+    if (out.dataOnTerminal || round == 1) draw(all);
 }
 
 void Live_Table::link(const Link_Change& change) {
     const bool up = change.state == Link_Change::State::Up;
-    linkText = up ? "connected" : "CONNECTION LOST: " + change.reason;
+    const char* const how = change.state == Link_Change::State::Down ? "CONNECTION LOST " : "NO CONNECTION ";
+    linkText = up ? "connected" : how + timeText(change.at).substr(11, 8) + ": " + change.reason;
     if (!out.dataOnTerminal) out.note(target + ": " + linkText);
 }
 
-void Live_Table::finish(const std::vector<Watched>& all) { draw(all); }
+void Live_Table::tick(const std::vector<Watched>& all) {
+    if (out.dataOnTerminal) draw(all);
+}
 
-void Live_Table::draw(const std::vector<Watched>& all) {
-    const Widths widths = widthsOf(all);
-    std::vector<std::string> lines = {target + "  " + linkText + "  round " + std::to_string(rounds),
-                                      line(widths, "LABEL", "VALUE", "UNIT", "STATE", "CHANGES", "ADDRESS")};
-    const std::size_t room = out.dataOnTerminal ? terminalLines() - 2 : all.size() + lines.size();
-    for (const Watched& watched : all) {
-        if (lines.size() + 1 >= room && all.size() + 2 > room) {
-            lines.push_back("... and " + std::to_string(all.size() + 2 - lines.size()) +
-                            " more; a higher window shows them");
-            break;
-        }
-        const Variable& variable = watched.variable;
-        lines.push_back(line(widths, variable.text, watched.value.shown(), variable.unit,
-                             freshnessName(watched.freshness), std::to_string(watched.changes),
-                             std::to_string(variable.address)));
-    }
+void Live_Table::finish(const std::vector<Watched>& all) {
+    leaveScreen();
+    const std::size_t columns = out.dataOnTerminal ? window().ws_col : 0;
     std::string text;
-    if (out.dataOnTerminal && linesDrawn > 0) text = "\033[" + std::to_string(linesDrawn) + "A";
-    for (const std::string& drawn : lines)
-        text += drawn + (out.dataOnTerminal ? "\033[K\n" : "\n");
-    if (out.dataOnTerminal) text += "\033[J";
+    for (const std::string& line :
+         tableLines({target, linkText, round, all, {}, std::chrono::system_clock::now()}, columns, 0))
+        text += line + "\n";
     out.block(text);
-    linesDrawn = lines.size();
+    for (const std::string& message : std::exchange(messages, {}))
+        out.note(message);
+    out.flush();
+}
+
+// Every line from the window's left edge and cut to its width, so that neither length nor a change of size moves it.
+void Live_Table::draw(const std::vector<Watched>& all) {
+    if (!out.dataOnTerminal) {
+        for (const std::string& line :
+             tableLines({target, linkText, round, all, {}, std::chrono::system_clock::now()}, 0, 0))
+            out.text(line);
+        return out.flush();
+    }
+    if (!std::exchange(hasScreen, true)) {
+        out.block(OwnScreen);
+        out.divertMessages([this](const std::string& message) {
+            const std::lock_guard<std::mutex> lock(messageMutex);
+            messages.push_back(message);
+            if (messages.size() > MessagesKept) messages.pop_front();
+        });
+    }
+    const winsize size = window();
+    std::vector<std::string> told;
+    {
+        const std::lock_guard<std::mutex> lock(messageMutex);
+        told.assign(messages.begin(), messages.end());
+    }
+    std::string text = "\033[H";
+    const char* separator = "";
+    for (const std::string& line :
+         tableLines({target, linkText, round, all, told, std::chrono::system_clock::now()}, size.ws_col, size.ws_row)) {
+        text += separator + line + "\033[K";
+        separator = "\r\n";
+    }
+    out.block(text + "\033[J");
+    out.flush();
+}
+
+void Live_Table::leaveScreen() {
+    if (!std::exchange(hasScreen, false)) return;
+    out.divertMessages(nullptr);
+    out.block(OldScreen);
+    out.flush();
 }
 
 }  // namespace vornex

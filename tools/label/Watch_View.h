@@ -1,42 +1,24 @@
-// How a watch shows its variables: changes line by line, a live table, a CSV file.
+// How a watch shows its variables on standard output: changes line by line, or a live table.
 #ifndef VORNEX_LABEL_WATCH_VIEW_H
 #define VORNEX_LABEL_WATCH_VIEW_H
 
 #include <cstdint>
-#include <cstdio>
+#include <deque>
+#include <mutex>
 #include <string>
 #include <vector>
 
-#include "Exchange.h"
-#include "Output.h"
-#include "Variables.h"
+#include "host/link/Exchange.h"
+#include "label/Output.h"
+#include "watch/Watch_View.h"
 
 namespace vornex {
-
-// A variable under watch. The value is the last one that a reply brought, null before the first.
-struct Watched {
-    Variable variable;
-    Value value;
-    Freshness freshness = Freshness::Unknown;
-    std::uint64_t changes = 0;
-};
-
-std::string freshnessName(Freshness freshness);
-
-// Called on the watch's own thread after each round, and when the link changes.
-class Watch_View {
-public:
-    virtual ~Watch_View() = default;
-    virtual void update(const std::vector<Watched>& all) = 0;
-    virtual void link(const Link_Change&) {}
-    virtual void finish(const std::vector<Watched>&) {}
-};
 
 // A line for each value that differs from the one shown last by more than the deadband, or is fresh again.
 class Change_Lines : public Watch_View {
 public:
     Change_Lines(Output& output, double deadbandWidth) : out(output), deadband(deadbandWidth) {}
-    void update(const std::vector<Watched>& all) override;
+    void update(const std::vector<Watched>& all, int round) override;
     void link(const Link_Change& change) override;
 
 private:
@@ -52,35 +34,29 @@ private:
     std::vector<Shown> shown;
 };
 
-// The table, redrawn in place on a terminal. In a pipe it is printed after the first round and at the end.
+// The table. On a terminal it has the screen for itself, like a pager, is drawn anew after each round and each change
+// of the window, and takes the tool's messages into its own lines; what it showed last stays when it ends. In a pipe it
+// is printed after the first round and at the end.
 class Live_Table : public Watch_View {
 public:
-    Live_Table(Output& output, std::string targetText) : out(output), target(std::move(targetText)) {}
-    void update(const std::vector<Watched>& all) override;
+    Live_Table(Output& output, std::string targetText);
+    ~Live_Table() override;
+    void update(const std::vector<Watched>& all, int round) override;
     void link(const Link_Change& change) override;
+    void tick(const std::vector<Watched>& all) override;
     void finish(const std::vector<Watched>& all) override;
 
 private:
     void draw(const std::vector<Watched>& all);
+    void leaveScreen();
 
     Output& out;
     const std::string target;
     std::string linkText = "connected";
-    int rounds = 0;
-    std::size_t linesDrawn = 0;
-};
-
-// One line a round, one column a variable; cells without a fresh value are empty.
-class Csv_Log : public Watch_View {
-public:
-    // Throws Tool_Error Usage when the file cannot be written.
-    explicit Csv_Log(const std::string& path);
-    ~Csv_Log() override;
-    void update(const std::vector<Watched>& all) override;
-
-private:
-    FILE* file;
-    bool headed = false;
+    int round = 0;
+    std::deque<std::string> messages;
+    std::mutex messageMutex;  // guards the messages
+    bool hasScreen = false;
 };
 
 }  // namespace vornex

@@ -1,13 +1,15 @@
-#include "Control.h"
+#include "sim/Control.h"
 
 #include <stdexcept>
 
-#include "Value_Text.h"
+#include "text/Hex.h"
+#include "text/Number.h"
+#include "text/Text.h"
+#include "values/Value_Codec.h"
 
 namespace vornex::sim {
 namespace {
 
-constexpr std::uint64_t LastAddress = 0xffffffffu;
 constexpr std::uint64_t LongestPeek = 65535;
 
 // The first word of a text, which is left without it.
@@ -21,9 +23,7 @@ std::string takeWord(std::string& text) {
 
 bool isAddress(const std::string& word) { return !word.empty() && word[0] >= '0' && word[0] <= '9'; }
 
-std::uint32_t parseAddress(const std::string& word) {
-    return static_cast<std::uint32_t>(parseUnsigned(word, LastAddress));
-}
+std::uint32_t parseAddress(const std::string& word) { return wholeNumber<std::uint32_t>(word); }
 
 Leaf findLabel(const Controller& controller, const std::string& label) {
     const std::optional<Leaf> leaf = controller.plant.find(label);
@@ -31,37 +31,40 @@ Leaf findLabel(const Controller& controller, const std::string& label) {
     return *leaf;
 }
 
-Bytes hexBytes(const std::string& text) {
-    Bytes bytes;
-    if (!parseHex(text, bytes)) throw std::invalid_argument("'" + text + "' is not hex bytes");
-    return bytes;
+std::string someBytes(const std::string& text) {
+    if (text.empty()) throw std::invalid_argument("bytes in hex are missing");
+    return bytesOfHex(text);
 }
 
 std::string get(std::string rest, Controller& controller, double now) {
     const std::string what = takeWord(rest);
     if (isAddress(what)) {
-        const auto bytes = static_cast<std::size_t>(parseUnsigned(takeWord(rest), LongestPeek));
-        return "ok " + hexText(controller.plant.peek(parseAddress(what), bytes, now));
+        const auto bytes = static_cast<std::size_t>(unsignedNumber(takeWord(rest), 0, LongestPeek));
+        return "ok " + hexBytes(controller.plant.peek(parseAddress(what), bytes, now));
     }
     const Leaf leaf = findLabel(controller, what);
-    return "ok " + formatValue(controller.plant.peek(leaf.address, leaf.bytes, now), leaf.view);
+    return "ok " + typedText(leaf.view, valueOf(leaf.view, controller.plant.peek(leaf.address, leaf.bytes, now)));
+}
+
+void store(Controller& controller, std::uint32_t address, const std::string& bytes, double now) {
+    if (!controller.plant.write(address, bytes, now)) throw std::invalid_argument("the memory is full; see --memory");
 }
 
 std::string set(std::string rest, Controller& controller, double now) {
     if (controller.plant.isPattern()) throw std::invalid_argument("pattern mode has no values to set");
     const std::string what = takeWord(rest);
     if (isAddress(what)) {
-        controller.plant.write(parseAddress(what), hexBytes(rest), now);
+        store(controller, parseAddress(what), someBytes(rest), now);
         return "ok";
     }
     const Leaf leaf = findLabel(controller, what);
-    controller.plant.write(leaf.address, parseValue(rest, leaf.view, leaf.bytes), now);
+    store(controller, leaf.address, bytesOf(leaf.view, leaf.bytes, rest), now);
     return "ok";
 }
 
 std::string check(std::string rest) {
     const std::uint32_t address = parseAddress(takeWord(rest));
-    const Bytes bytes = hexBytes(rest);
+    const std::string bytes = someBytes(rest);
     std::uint8_t generation = 0;
     const std::size_t good = checkPattern(address, bytes, generation);
     if (good == bytes.size()) return "ok generation " + std::to_string(generation);
@@ -112,7 +115,7 @@ const char* const ControlHelp =
     "quit\n";
 
 std::string runControlLine(const std::string& line, Controller& controller, const Control_Hooks& hooks) {
-    std::string rest = splitText(line, '\n')[0];
+    std::string rest = trimmed(line.substr(0, line.find('\n')));
     if (rest.empty() || rest[0] == '#') return "";
     const std::string verb = takeWord(rest);
     try {

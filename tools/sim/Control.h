@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "Controller.h"
+#include "sim/Controller.h"
 
 namespace vornex::sim {
 

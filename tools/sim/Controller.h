@@ -7,10 +7,10 @@
 #include <optional>
 #include <string>
 
-#include "Fault_Rules.h"
-#include "Frame_Codec.h"
-#include "Plant.h"
-#include "Stats.h"
+#include "sim/Stats.h"
+#include "sim/faults/Fault_Rules.h"
+#include "sim/plant/Plant.h"
+#include "wire/Frame.h"
 
 namespace vornex::sim {
 
@@ -22,7 +22,7 @@ struct Delivery {
     enum class Hold { No, Late, Glue };  // keep it until the next answer
     enum class End { None, Fin, Rst };   // of the connection, after `bytes`
 
-    Bytes bytes;  // empty: nothing is sent
+    std::string bytes;  // empty: nothing is sent
     std::uint64_t delay = 0;
     std::size_t pieceBytes = 0;  // 0: in one piece
     std::uint64_t pieceGap = 0;
@@ -38,9 +38,10 @@ class Controller {
 public:
     Controller(Plant controlledPlant, Fault_Rules faultRules, Log messageLog);
 
-    // Carries the request out and says how to answer. `previous`: this connection's last right answer, empty at its
+    // Carries the request out and says how to answer: not at all when the memory has no room for a write, as the wire
+    // has no reply that says so. `previous`: this connection's last right answer, empty at its
     // beginning; updated. `now`: ms since the start.
-    Delivery answer(const Request& request, Bytes& previous, double now);
+    Delivery answer(const Request& request, std::string& previous, double now);
 
     Counters counters() const;
 
@@ -50,11 +51,11 @@ public:
     Log log;
 
 private:
-    Reply carryOut(const Request& request, double now);
+    std::optional<Reply> carryOut(const Request& request, double now);
 };
 
 // Does to the answer what the rules say: first to its content, then to its bytes, then to its way.
-Delivery applyFaults(Reply reply, const std::vector<const Fault_Rule*>& rules, const Bytes& previous,
+Delivery applyFaults(Reply reply, const std::vector<const Fault_Rule*>& rules, const std::string& previous,
                      Fault_Rules& noise);
 
 }  // namespace vornex::sim

@@ -1,95 +1,96 @@
-#include "Options.h"
+#include "sim/Options.h"
 
 #include <iostream>
+#include <limits>
 
-#include <CLI/CLI.hpp>
-
-#include "Options_Help.h"
+#include "cli/Options.h"
+#include "cli/Program.h"
+#include "sim/Control.h"
+#include "sim/faults/Fault_Rules.h"
+#include "sim/plant/Value_Motion.h"
 
 namespace vornex::sim {
 namespace {
 
-// The range without a second description of itself in the help.
-CLI::Validator range(int lowest, int highest) { return CLI::Range(lowest, highest).description(""); }
+const char* const PatternHelp =
+    "The byte at every address is mix(address) XOR the generation's low 8 bits. mix, in 32-bit arithmetic:\n"
+    "  m = address * 2654435761; m ^= m >> 15; m *= 2246822519; m ^= m >> 13; mix = m >> 24\n"
+    "Each byte tells the generation it would be of; the bytes of one good answer all tell the same one, a foreign\n"
+    "byte most likely another.\n"
+    "read: every read answered shows the next generation, the first one 1. 250ms: the next one every 250 ms.\n"
+    "fixed:N: always N. Writes are answered and counted but not stored: a stored byte would be foreign itself.\n";
+
+const char* const FrameHelp =
+    "An intact frame with a wrong check value, an unknown command or a senseless body is not answered: where the\n"
+    "next one begins is known, and the client's time-out does the rest. A wrong start byte, a frame over --max-frame\n"
+    "or one not complete in --frame-time closes the connection.\n"
+    "A write that finds no room in --memory is not carried out, not answered, and counted as memoryFull.\n"
+    "A client that leaves its answers lying is not read until it takes them.\n";
+
+const char* const ExitHelp =
+    "0 ok  1 usage  2 label file  3 cannot listen  7 an --expect was not met  8 an output could not be written\n";
+
+Page simulatorPage() {
+    return {"A simulated controller with faults on demand",
+            "Serves the memory that a label file describes over TCP, with faults on demand.",
+            {{"-l examples/plant.json -p 2000", "A controller with the values of the label file."},
+             {"-l examples/plant.json -p 0 --fault 'drop@every=50' --fault 'delay(100,400)@p=0.1' --seed 7",
+              "One that loses and delays answers."},
+             {"--pattern -p 0 --control - --expect 'writes>=3' -o json", "One that is driven by a script and judged."}},
+            {{"Motions (\"sim\" in the label file)", MotionHelp},
+             {"Faults", faultHelp()},
+             {"Pattern mode", PatternHelp},
+             {"Control lines", ControlHelp},
+             {"Bad frames", FrameHelp},
+             {"Exit codes", ExitHelp}}};
+}
 
 void addServing(CLI::App& app, Options& options) {
-    app.add_option("-l,--labels", options.labels, "Label file: what is in the memory and how it moves")
-        ->type_name("FILE");
-    app.add_option("-p,--port", options.port,
-                   "TCP port; 0 takes a free one [the port of the label file's target, or 0]")
-        ->type_name("PORT");
-    app.add_option("--listen", options.listen, "Address to listen on")->type_name("ADDR")->capture_default_str();
-    app.add_option("--pattern", options.pattern, "A pattern instead of values: read, fixed:N or a period like 250ms")
-        ->type_name("STEP")
-        ->expected(0, 1)
-        ->default_str("read");
+    addText(app, "-l,--labels", "FILE", options.labels, "Label file: what is in the memory and how it moves.");
+    addNumber(app, "-p,--port", "PORT", options.port, 0, 65535,
+              "TCP port; 0 takes a free one, none that of the label file's target, or a free one.");
+    addText(app, "--listen", "ADDR", options.listen, "Address to listen on.");
+    addTextOr(app, "--pattern", "STEP", "read", options.pattern,
+              "A pattern instead of values: read, fixed:N or a period like 250ms; alone: read.");
 }
 
 void addTesting(CLI::App& app, Options& options) {
-    app.add_option("--fault", options.faults, "A fault by rule; may stand several times")
-        ->type_name("RULE")
-        ->allow_extra_args(false);
-    app.add_option("--seed", options.seed, "Seed of everything random")->type_name("N")->capture_default_str();
-    app.add_option("--control", options.control, "Control lines from standard input (-) or a unix socket at PATH")
-        ->type_name("-|PATH");
-    app.add_option("--expect", options.expectations,
-                   "What a counter must be at the end, like writes>=3, else exit code 7; may stand several times")
-        ->type_name("EXPR")
-        ->allow_extra_args(false);
+    addTexts(app, "--fault", "RULE", options.faults, "A fault by rule; may stand several times.");
+    addNumber(app, "--seed", "N", options.seed, 0, std::numeric_limits<std::uint64_t>::max(),
+              "Seed of everything random.");
+    addText(app, "--control", "-|PATH", options.control,
+            "Control lines from standard input (-) or a unix socket at PATH.");
+    addTexts(app, "--expect", "EXPR", options.expectations,
+             "What a counter must be at the end, like writes>=3, else exit code 7; may stand several times.");
 }
 
 void addCaps(CLI::App& app, Options& options) {
-    app.add_option("--max-clients", options.caps.clients, "Connections at a time, 1 to 1000")
-        ->type_name("N")
-        ->check(range(1, 1000))
-        ->capture_default_str();
-    app.add_option("--max-frame", options.caps.frame, "Bytes of a request, and of an answer, 12 to 65541")
-        ->type_name("BYTES")
-        ->check(range(12, 65541))
-        ->capture_default_str();
-    app.add_option("--frame-time", options.caps.frameTime, "From a frame's first byte to its last, 1 to 3600000")
-        ->type_name("MS")
-        ->check(range(1, 3600000))
-        ->capture_default_str();
+    addNumber(app, "--max-clients", "N", options.caps.clients, 1, 1000, "Connections at a time.");
+    addNumber(app, "--max-frame", "BYTES", options.caps.frame, 12, 65541, "Bytes of a request, and of an answer.");
+    addNumber(app, "--frame-time", "MS", options.caps.frameTime, 1, 3600000, "From a frame's first byte to its last.");
+    addNumber(app, "--memory", "MIB", options.memory, 1, 4096, "Memory for what is written, in pages of 4 KiB.");
 }
 
 void addOutput(CLI::App& app, Options& options) {
-    app.add_option("-o,--output", options.output, "The summary as text or json")
-        ->type_name("FORMAT")
-        ->check(CLI::IsMember({"text", "json"}).description(""))
-        ->capture_default_str();
-    app.add_option("--log", options.logFile, "Log to the end of FILE instead of standard error")->type_name("FILE");
-    app.add_flag("-q,--quiet", options.quiet, "No log");
-    app.add_flag("-v,--verbose", options.verbose, "Log clients and requests too");
-    app.add_flag("--man", "Print the manual page");
-    app.add_flag("--completion", "Print the bash completion");
-}
-
-int reportError(CLI::App& app, const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);
-    std::cerr << "vornex-sim: " << error.what() << "\nvornex-sim --help lists the options.\n";
-    return int(Exit_Code::Usage);
+    addChoice(app, "-o,--output", {"text", "json"}, options.output, "How the summary is written.");
+    addText(app, "--log", "FILE", options.logFile, "Log to the end of FILE instead of standard error.");
+    addFlag(app, "-q,--quiet", options.quiet, "No log.");
+    addFlag(app, "-v,--verbose", options.verbose, "Log clients and requests too.");
+    addDocumentFlags(app);
 }
 
 }  // namespace
 
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
-    CLI::App app(Purpose, "vornex-sim");
-    app.set_version_flag("--version", std::string("vornex-sim ") + VORNEX_VERSION);
-    addServing(app, options);
-    addTesting(app, options);
-    addCaps(app, options);
-    addOutput(app, options);
-    app.footer(helpFooter());
-    try {
-        app.parse(argc, argv);
-        if (app.count("--man")) return std::cout << manPage(app), int(Exit_Code::Ok);
-        if (app.count("--completion")) return std::cout << bashCompletion(app), int(Exit_Code::Ok);
-        if (options.labels.empty() && options.pattern.empty()) throw CLI::RequiredError("--labels or --pattern");
-    } catch (const CLI::ParseError& error) {
-        return reportError(app, error);
-    }
-    return std::nullopt;
+    const std::shared_ptr<CLI::App> app = makeProgram("vornex-sim", VORNEX_VERSION, simulatorPage());
+    addServing(*app, options);
+    addTesting(*app, options);
+    addCaps(*app, options);
+    addOutput(*app, options);
+    if (const std::optional<int> code = parseCommandLine(*app, argc, argv)) return code;
+    if (!options.labels.empty() || !options.pattern.empty()) return std::nullopt;
+    std::cerr << "vornex-sim: --labels or --pattern is required; see --help\n";
+    return int(Exit_Code::Usage);
 }
 
 }  // namespace vornex::sim

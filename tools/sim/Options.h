@@ -6,11 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "Session.h"
+#include "sim/net/Client_Connection.h"
+#include "sim/plant/Memory.h"
 
 namespace vornex::sim {
 
-enum class Exit_Code { Ok = 0, Usage = 1, Labels = 2, NoPort = 3, ExpectationFailed = 7 };
+enum class Exit_Code { Ok = 0, Usage = 1, Labels = 2, NoPort = 3, ExpectationFailed = 7, Output = 8 };
 
 struct Options {
     std::string labels;
@@ -23,6 +24,7 @@ struct Options {
     std::string output = "text";
     std::string logFile;  // empty: standard error
     std::uint64_t seed = 1;
+    std::uint64_t memory = DefaultMemory >> 20;  // MiB
     Caps caps;
     bool quiet = false;
     bool verbose = false;

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "values/Comparison.h"
+
 namespace vornex::sim {
 
 struct Stats {
@@ -22,25 +24,18 @@ struct Stats {
     std::uint64_t bytesOut = 0;
     std::uint64_t badFrames = 0;   // wrong check value, start byte, command, body or length
     std::uint64_t slowFrames = 0;  // not complete in time
+    std::uint64_t memoryFull = 0;  // writes that were not carried out: no room in the memory
 };
 
 // Names with values, in the order of a summary: the members above, "faults", then "fault.KIND" for every kind.
 using Counters = std::vector<std::pair<std::string, std::uint64_t>>;
 Counters statsCounters(const Stats& stats);
 
-// "writes>=3"
-struct Expectation {
-    std::string text;
-    std::string counter;
-    std::string compare;  // >= <= == != > <
-    std::uint64_t value = 0;
-};
-
-// Throws std::invalid_argument for bad syntax. Whether the counter exists is known by valueOf.
-Expectation parseExpectation(const std::string& text);
+// "writes>=3": a counter and a whole number. Throws std::invalid_argument for anything else; whether the counter exists
+// is known by counterNamed.
+Comparison parseExpectation(const std::string& text);
 // Throws std::invalid_argument for an unknown counter, naming those known.
-std::uint64_t valueOf(const Counters& counters, const std::string& name);
-bool isMet(const Expectation& expectation, std::uint64_t value);
+std::uint64_t counterNamed(const Counters& counters, const std::string& name);
 
 }  // namespace vornex::sim
 

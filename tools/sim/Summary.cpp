@@ -1,4 +1,4 @@
-#include "Summary.h"
+#include "sim/Summary.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,11 +6,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "values/Keys.h"
+
 namespace vornex::sim {
 namespace {
 
 std::string counted(const Summary& summary, const char* name) {
-    return std::string(", ") + name + " " + std::to_string(valueOf(summary.counters, name));
+    return std::string(", ") + name + " " + std::to_string(counterNamed(summary.counters, name));
 }
 
 std::string secondsText(double seconds) {
@@ -22,8 +24,8 @@ std::string secondsText(double seconds) {
 }  // namespace
 
 bool allMet(const Summary& summary) {
-    return std::all_of(summary.expectations.begin(), summary.expectations.end(), [&](const Expectation& expectation) {
-        return isMet(expectation, valueOf(summary.counters, expectation.counter));
+    return std::all_of(summary.expectations.begin(), summary.expectations.end(), [&](const Comparison& expectation) {
+        return expectation.metBy(counterNamed(summary.counters, expectation.subject));
     });
 }
 
@@ -32,8 +34,8 @@ std::string summaryText(const Summary& summary) {
     for (const char* name : {"clients", "requests", "reads", "writes", "bytesRead", "bytesWritten", "faults"}) {
         text += counted(summary, name);
     }
-    for (const char* name : {"clientsRefused", "badFrames", "slowFrames"}) {
-        if (valueOf(summary.counters, name)) text += counted(summary, name);
+    for (const char* name : {"clientsRefused", "badFrames", "slowFrames", "memoryFull"}) {
+        if (counterNamed(summary.counters, name)) text += counted(summary, name);
     }
     text += "\n";
     for (const Fault_Rule& rule : summary.rules) {
@@ -41,9 +43,9 @@ std::string summaryText(const Summary& summary) {
                 (rule.fired ? "applied to " + std::to_string(rule.fired) : std::string("NEVER APPLIED, to none")) +
                 " of " + std::to_string(rule.seen) + " requests in question\n";
     }
-    for (const Expectation& expectation : summary.expectations) {
-        const std::uint64_t value = valueOf(summary.counters, expectation.counter);
-        text += std::string(isMet(expectation, value) ? "met: " : "NOT MET: ") + expectation.text + " (it is " +
+    for (const Comparison& expectation : summary.expectations) {
+        const std::uint64_t value = counterNamed(summary.counters, expectation.subject);
+        text += std::string(expectation.metBy(value) ? "met: " : "NOT MET: ") + expectation.text + " (it is " +
                 std::to_string(value) + ")\n";
     }
     return text;
@@ -51,24 +53,26 @@ std::string summaryText(const Summary& summary) {
 
 std::string summaryJson(const Summary& summary) {
     nlohmann::ordered_json json;
-    json["seconds"] = std::round(summary.seconds * 1000) / 1000;
-    json["seed"] = summary.seed;
+    json[key::seconds.name] = std::round(summary.seconds * 1000) / 1000;
+    json[key::seed.name] = summary.seed;
     for (const auto& counter : summary.counters) {
         const bool isFault = counter.first.rfind("fault.", 0) == 0;
-        if (isFault) json["faultKinds"][counter.first.substr(6)] = counter.second;
+        if (isFault) json[key::faultKinds.name][counter.first.substr(6)] = counter.second;
         if (!isFault) json[counter.first] = counter.second;
     }
-    json["rules"] = nlohmann::ordered_json::array();
-    json["neverApplied"] = nlohmann::ordered_json::array();
+    json[key::rules.name] = nlohmann::ordered_json::array();
+    json[key::neverApplied.name] = nlohmann::ordered_json::array();
     for (const Fault_Rule& rule : summary.rules) {
-        json["rules"].push_back({{"rule", rule.text}, {"seen", rule.seen}, {"applied", rule.fired}});
-        if (rule.fired == 0) json["neverApplied"].push_back(rule.text);
+        json[key::rules.name].push_back(
+            {{key::rule.name, rule.text}, {key::seen.name, rule.seen}, {key::applied.name, rule.fired}});
+        if (rule.fired == 0) json[key::neverApplied.name].push_back(rule.text);
     }
-    json["expectations"] = nlohmann::ordered_json::array();
-    for (const Expectation& expectation : summary.expectations) {
-        const std::uint64_t value = valueOf(summary.counters, expectation.counter);
-        json["expectations"].push_back(
-            {{"expect", expectation.text}, {"value", value}, {"met", isMet(expectation, value)}});
+    json[key::expectations.name] = nlohmann::ordered_json::array();
+    for (const Comparison& expectation : summary.expectations) {
+        const std::uint64_t value = counterNamed(summary.counters, expectation.subject);
+        json[key::expectations.name].push_back({{key::expect.name, expectation.text},
+                                                {key::counted.name, value},
+                                                {key::met.name, expectation.metBy(value)}});
     }
     // a label in a control line need not be UTF-8
     return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);

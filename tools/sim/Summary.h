@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Controller.h"
+#include "sim/Controller.h"
 
 namespace vornex::sim {
 
@@ -14,7 +14,7 @@ struct Summary {
     std::uint64_t seed = 0;
     Counters counters;
     std::vector<Fault_Rule> rules;
-    std::vector<Expectation> expectations;
+    std::vector<Comparison> expectations;
 };
 
 bool allMet(const Summary& summary);

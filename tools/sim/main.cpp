@@ -1,45 +1,76 @@
 // vornex-sim: puts the parts together.
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 #include <iostream>
 #include <stdexcept>
+#include <utility>
 
-#include "Control.h"
-#include "Control_Port.h"
-#include "Options.h"
-#include "Server.h"
-#include "Summary.h"
+#include "sim/Control.h"
+#include "sim/Options.h"
+#include "sim/Summary.h"
+#include "sim/net/Control_Port.h"
+#include "sim/net/Server.h"
+#include "text/Host_Port.h"
+#include "text/Output_File.h"
 
 namespace vornex::sim {
 namespace {
 
-// Messages with the time since the start in front, to standard error or a file; nothing when quiet.
+// Messages with the time since the start in front, to standard error or a file; nothing when quiet. A log that cannot
+// be written any more is told, once, and the simulator goes on: whoever talks to it is not to be stopped by a full
+// disk.
+// Neither is it to wait for a reader that stands still: messages that a pipe has no room for are dropped and counted.
 class Log_Writer {
 public:
-    explicit Log_Writer(const Options& options) : quiet(options.quiet) {
-        if (options.logFile.empty()) return;
-        file.open(options.logFile, std::ios::app);
-        if (!file) throw std::runtime_error(options.logFile + ": cannot be written");
-    }
+    explicit Log_Writer(const Options& options)
+        : quiet(options.quiet),
+          file(options.logFile.empty() ? Output_File::standardError()
+                                       : Output_File(options.logFile, {Existing_File::Append, {options.labels}})) {}
     void write(const std::string& text) {
-        if (quiet) return;
+        if (quiet || hasFailed) return;
+        if (file.wouldWait()) {
+            ++dropped;
+            return;
+        }
+        if (const std::uint64_t count = std::exchange(dropped, 0))
+            writeNow(std::to_string(count) + " messages are missing here, nobody read them");
+        writeNow(text.size() > LongestText ? text.substr(0, LongestText) + "..." : text);
+    }
+    bool failed() const { return hasFailed; }
+
+private:
+    static constexpr std::size_t LongestText = 1000;  // a pipe that is read takes such a line, and the one before it
+
+    void writeNow(const std::string& text) {
         char time[32];
         const std::chrono::duration<double> since = std::chrono::steady_clock::now() - started;
         std::snprintf(time, sizeof time, "%9.3f ", since.count());
-        (file.is_open() ? file : std::cerr) << time << text << std::endl;
+        try {
+            file.write(time + text + "\n");
+            file.flush();
+        } catch (const Output_Error& error) {
+            hasFailed = true;
+            std::cerr << "vornex-sim: " << error.what() << std::endl;
+        }
     }
 
-private:
     bool quiet;
-    std::ofstream file;
+    std::uint64_t dropped = 0;
+    bool hasFailed = false;
+    Output_File file;
     std::chrono::steady_clock::time_point started = std::chrono::steady_clock::now();
 };
+
+void print(const std::string& text) {
+    Output_File out = Output_File::standardOutput();
+    out.write(text);
+    out.flush();
+}
 
 unsigned short portOf(const Options& options, const Label_File& labels) {
     if (options.port) return *options.port;
     if (labels.target.empty()) return 0;
-    return static_cast<unsigned short>(std::stoi(labels.target.substr(labels.target.rfind(':') + 1)));
+    return parseHostPort(labels.target).port;
 }
 
 Controller makeController(const Options& options, const Label_File& labels, const Log& log) {
@@ -47,15 +78,15 @@ Controller makeController(const Options& options, const Label_File& labels, cons
     Fault_Rules faults(options.seed);
     for (const std::string& fault : options.faults)
         faults.add(fault);
-    return Controller(Plant(labels, pattern, options.seed), std::move(faults), log);
+    return Controller(Plant(labels, pattern, options.seed, options.memory << 20), std::move(faults), log);
 }
 
-std::vector<Expectation> readExpectations(const Options& options, const Controller& controller) {
-    std::vector<Expectation> expectations;
+std::vector<Comparison> readExpectations(const Options& options, const Controller& controller) {
+    std::vector<Comparison> expectations;
     for (const std::string& text : options.expectations) {
         expectations.push_back(parseExpectation(text));
-        valueOf(controller.counters(),
-                expectations.back().counter);  // a name nobody counts is a mistake now, not later
+        counterNamed(controller.counters(),
+                     expectations.back().subject);  // a name nobody counts is a mistake now, not later
     }
     return expectations;
 }
@@ -70,17 +101,34 @@ void startControl(const Options& options, Running& running, Controller& controll
     const auto handler = [&controller, hooks](const std::string& line) {
         return runControlLine(line, controller, hooks);
     };
-    if (options.control == "-") return controlByStdin(running.io, handler);
+    if (options.control == "-") return controlByStdin(running.io, handler, controller.log);
     if (!options.control.empty()) {
-        running.controlSocket = std::make_unique<Control_Socket>(running.io, options.control, handler);
+        running.controlSocket = std::make_unique<Control_Socket>(running.io, options.control, handler, controller.log);
     }
+}
+
+int cannotListen(const std::string& where, const std::system_error& error) {
+    std::cerr << "vornex-sim: cannot listen on " << where << ": " << error.what() << std::endl;
+    return int(Exit_Code::NoPort);
+}
+
+// Until a signal, "quit" or a power cut ends it.
+void run(Running& running, Server& server) {
+    running.signals.async_wait([&server](const asio::error_code& error, int) {
+        if (error) return;
+        Output_File::stopWaiting();
+        server.stop(false);
+    });
+    print("listening " + server.address() + "\n");
+    running.io.run();
+    running.signals.clear();  // nobody takes them any more: the next one ends a summary that nobody reads
 }
 
 int serve(const Options& options, const Label_File& labels, Log_Writer& writer) {
     const Log log = [&writer](const std::string& text) { writer.write(text); };
     const Log trace = options.verbose ? log : [](const std::string&) {};
     Controller controller = makeController(options, labels, log);
-    const std::vector<Expectation> expectations = readExpectations(options, controller);
+    const std::vector<Comparison> expectations = readExpectations(options, controller);
 
     Running running;
     Server server(running.io, controller, options.caps, trace);
@@ -90,35 +138,37 @@ int serve(const Options& options, const Label_File& labels, Log_Writer& writer) 
     };
     // after the answer to "quit" is out
     const auto quit = [&] { asio::post(running.io, [&server] { server.stop(false); }); };
-    running.signals.async_wait([&server](const asio::error_code& error, int) {
-        if (!error) server.stop(false);
-    });
     try {
         server.listen(options.listen, portOf(options, labels));
+    } catch (const std::system_error& error) {
+        return cannotListen(options.listen + " port " + std::to_string(portOf(options, labels)), error);
+    }
+    try {
         startControl(options, running, controller,
                      {[&server] { return server.now(); }, [&] { return summaryJson(summarise()); }, quit});
     } catch (const std::system_error& error) {
-        std::cerr << "vornex-sim: cannot listen on " << options.listen << " port " << portOf(options, labels) << ": "
-                  << error.what() << std::endl;
-        return int(Exit_Code::NoPort);
+        return cannotListen(options.control, error);
     }
-    std::cout << "listening " << server.address() << std::endl;
-    running.io.run();
+    run(running, server);
     const Summary summary = summarise();
-    std::cout << (options.output == "json" ? summaryJson(summary) + "\n" : summaryText(summary)) << std::flush;
-    return int(allMet(summary) ? Exit_Code::Ok : Exit_Code::ExpectationFailed);
+    print(options.output == "json" ? summaryJson(summary) + "\n" : summaryText(summary));
+    if (!allMet(summary)) return int(Exit_Code::ExpectationFailed);
+    return int(writer.failed() ? Exit_Code::Output : Exit_Code::Ok);
 }
 
 int runSimulator(int argc, char** argv) {
     Options options;
-    if (const std::optional<int> code = readOptions(argc, argv, options)) return *code;
     try {
+        if (const std::optional<int> code = readOptions(argc, argv, options)) return *code;
         Log_Writer writer(options);
         const Label_File labels = options.labels.empty() ? Label_File() : readLabelFile(options.labels);
         return serve(options, labels, writer);
     } catch (const File_Error& error) {
         std::cerr << error.what() << std::endl;
         return int(Exit_Code::Labels);
+    } catch (const Output_Error& error) {
+        std::cerr << "vornex-sim: " << error.what() << std::endl;
+        return int(error.kind == Output_Error::Kind::Unusable ? Exit_Code::Usage : Exit_Code::Output);
     } catch (const std::exception& error) {
         std::cerr << "vornex-sim: " << error.what() << std::endl;
         return int(Exit_Code::Usage);
@@ -128,4 +178,7 @@ int runSimulator(int argc, char** argv) {
 }  // namespace
 }  // namespace vornex::sim
 
-int main(int argc, char** argv) { return vornex::sim::runSimulator(argc, argv); }
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write
+    return vornex::sim::runSimulator(argc, argv);
+}

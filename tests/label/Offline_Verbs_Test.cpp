@@ -1,0 +1,238 @@
+// The verbs of vornex-label that need no controller, run as a user runs them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+
+#include "Tool_Run.h"
+
+namespace vornex::test {
+namespace {
+
+struct Expected {
+    const char* arguments;
+    int code;
+    const char* text;  // stands in the output
+};
+
+void expectAll(const std::vector<Expected>& rows) {
+    for (const Expected& row : rows) {
+        const Outcome outcome = run(row.arguments);
+        EXPECT_EQ(outcome.code, row.code) << row.arguments << "\n" << outcome.text;
+        EXPECT_TRUE(outcome.holds(row.text)) << row.arguments << "\n" << outcome.text;
+    }
+}
+
+const char Plant[] = " -l " PLANT " ";
+
+TEST(Check, tellsTheDriversCodeAndThePlace) {
+    const struct {
+        const char* label;
+        int code;             // the driver's
+        const char* outcome;  // as -o csv has it: resolved, type, address, at, length
+    } rows[] = {
+        {"Speed", 0, "Speed,3,100,,"},
+        {"Speed.x", 0, "Speed.x,3,100,,"},
+        {"Motors[2].Temp", 0, "Motors[2].Temp,4,556,,"},
+        {"Buf[1f]", 0, "Buf[1f],1,731,,"},
+        {"Motors[%%].Temp", 0, "Motors[2].Temp,4,556,,"},
+        {"Speed[1]", 1, "Speed[1],,,5,3"},
+        {"Motors[1]", 1, "Motors[1],,,9,1"},
+        {"Motors.Id", 3, "Motors.Id,,,6,1"},
+        {"Nope.Id", 2, "Nope.Id,,,0,4"},
+        {"Recipe", 3, "Recipe,,,6,1"},
+        {"Recipe[0]", 3, "Recipe[0],,,7,1"},
+        {"Recipe[9]", 3, "Recipe[9],,,7,1"},
+        {"Recipe[3]x", 3, "Recipe[3]x,,,7,2"},
+        {"Buf[1g]", 3, "Buf[1g],,,4,2"},
+        {"Line[1].Feed[2].Axis[3].Error", 3, "Line[1].Feed[2].Axis[3].Error,,,21,1"},
+        {"Line[1].Feed[2].Spede", 7, "Line[1].Feed[2].Spede,,,16,5"},
+        {"Motors[1].Axis[%%].Error", 3, "Motors[1].Axis[%%].Error,,,15,2"},
+        {"Recipe%%", 2, "Recipe%%,,,0,8"},
+        {"Speed[%%]", 1, "Speed[%%],,,5,4"},
+        {"Motors.Id%%", 1, "Motors.Id%%,,,9,2"},
+        {"", 6, ",,,0,1"},
+    };
+    for (const auto& row : rows) {
+        const Outcome outcome = run(std::string("check -o csv ") + (std::strstr(row.label, "%%") ? "--index 2" : "") +
+                                    Plant + "'" + row.label + "'");
+        EXPECT_EQ(outcome.code, row.code == 0 ? 0 : 2) << row.label;
+        const std::string expected = std::string("\n") + row.label + (row.code == 0 ? ",true," : ",false,") +
+                                     std::to_string(row.code) + "," + row.outcome + ",";
+        EXPECT_TRUE(outcome.holds(expected)) << expected << "\n" << outcome.text;
+    }
+    // the indexes' comma is quoted in CSV
+    expectAll(
+        {{"check -o json -l " PLANT " 'Grid[1]' 'Grid[2,4]' 'Grid[2,3]'", 2,
+          "\"code\":1,\"resolved\":\"Grid[1]\",\"typeCode\":null,\"address\":null,\"markAt\":4,\"markLength\":3"},
+         {"check -o json -l " PLANT " 'Grid[2,4]'", 2,
+          "\"markAt\":7,\"markLength\":1,\"reason\":\"index 4 is outside 0 to 3"},
+         {"check -l " PLANT " 'Motors[%%].Speed' --index 9", 2, "leaves the array and would become Motors[4].Speed"},
+         {"check -l " PLANT " 'Motors[%%].Speed' --index 9 --wrap", 0, "-> Motors[4].Speed"},
+         {"check -l " PLANT " Speed --index 1", 1, "no label is a template"}});
+}
+
+TEST(Check, comparesEveryElementWithTheFile) {
+    expectAll({{"check --all -l " PLANT, 0, "198 resolve, 0 do not"},
+               {"check 'Motors*Temp' -v -l " PLANT, 0, "Motors[4].Temp              address 652  type 4"},
+               {"check 'Zo*' -l " PLANT, 2, "no label matches 'Zo*'"},
+               {"check Sped -l " PLANT, 2, "did you mean 'Speed'?"},
+               {"check Speed", 1, "no label file"},
+               {"check Speed --library nosuch.so -l " PLANT, 6, "nosuch.so"}});
+}
+
+TEST(Decode, tellsFramesRepliesAndFaults) {
+    expectAll({
+        {"decode 02 06 00 41 00 10 00 00 04 00 11 29", 0, "item 0: 4 bytes at 4096\n  expects a reply of 12 bytes"},
+        {"decode 020600410010000004001129 0000000004001122334492db", 0, "item 0: 4 bytes at 4096: 11 22 33 44\n"},
+        {"decode 02080040000100000200123472bd 02000040aca5 -l " PLANT, 0,
+         "reply to the write, 6 bytes, check value 0xA5AC"},
+        {"decode 0206004164000000020054de 00000000020001021bfe -l " PLANT, 0, "01 02   Speed = 513"},
+        {"decode 0000000004001122334492dc", 5, "check value 0xDC92 WRONG, should be 0xDB92"},
+        {"decode 020700410010000004001129", 5, "body length 7 makes a frame of 13 bytes, not 12"},
+        // the counts are right for themselves, but not what was asked for
+        {"decode 020c0041000100000200000200000a008a1f 000000000400aabbccdd08000102030405060708f1f3", 5,
+         "WRONG: 10 bytes were asked for, the reply says 8"},
+        {"decode 020c0041000100000200000200000a008a1f 000000001000aabb0a000102030405060708090a986e", 5,
+         "WRONG: the count runs past the end of the reply"},
+        {"decode 020600410010000004001129 00000000", 5, "too short for a check value"},
+        {"decode 02zz", 1, "is not a run of bytes in hex"},
+        {"decode -o json 02080040000100000200123472bd 02000040aca5", 0, "\"header\":\"02 00 00 40\""},
+        {"decode -o json 0206004164000000020054de -l " PLANT, 0,
+         "\"checkValue\":\"0xDE54\",\"checkRight\":true,\"header\":null,\"item\":0,\"address\":100,\"bytes\":2,"
+         "\"data\":null,"
+         "\"labels\":"
+         "\"Speed\""},
+    });
+}
+
+TEST(Ls, showsTreeAndElements) {
+    expectAll({{"ls -l " PLANT, 0, "\nBuf[0..31]        1/16    hex        700        32\n"},
+               {"ls Line.Feed.Axis.Error -l " PLANT, 0, "\n      Error     4       s16       1072         2\n"},
+               {"ls 'Motors[3]*Temp' --elements -o csv -l " PLANT, 0, "\nMotors[3].Temp,4,s16,604,2,C\n"},
+               {"ls 'Nope*' -l " PLANT, 2, "no label matches 'Nope*'"}});
+}
+
+TEST(Labels, convertKeepsEverythingAndOverwritesNothing) {
+    expectAll({{"labels convert " PLANT " a.csv --force --separator ';' --bom", 0, "a.csv: 13 labels, 4 structures"},
+               {"labels convert a.csv b.json --force -q", 0, ""},
+               {"labels convert b.json c.csv --force --separator ';' --bom", 0, "c.csv"},
+               {"labels convert b.json a.csv", 1, "a.csv exists"},
+               {"labels convert b.json /nosuch/a.csv", 1, "/nosuch/a.csv: its folder: No such file"},
+               {"check --all -l a.csv", 0, "198 resolve, 0 do not"}});
+    EXPECT_EQ(runCommand(WORK_DIR, "cmp a.csv c.csv").code, 0);
+}
+
+TEST(Labels, lintNamesFileLineAndLabel) {
+    std::ofstream(WORK_DIR "/octal.csv") << "kind,name,type,at\nlabel,A,3,98\n";
+    std::ofstream(WORK_DIR "/bad.csv") << "kind,name,type,at\nlabel,A,5,0\nlabel,B,3,2\n";
+    expectAll({{"labels lint bad.csv", 0, "bad.csv:3: warning: B: shares bytes 2 to 3 with 'A' (line 2) [overlap]"},
+               {"labels lint bad.csv --strict -o json", 2, "\"line\":3,\"severity\":\"warning\",\"rule\":\"overlap\""},
+               {"labels lint bad.csv --end 3", 2, "bad.csv:2: error: A: bytes 0 to 3 go past the end"},
+               {"labels lint bad.csv --end x", 1, "--end: 'x' is not a whole number from 1 to 4294967296"},
+               {"labels lint bad.csv --end=-1", 1, "--end: '-1' is not"},
+               {"labels lint octal.csv --end=0100 -q", 0, ""},  // a hundred, not 64
+               {"labels lint " PLANT, 0, "13 labels, nothing found"}});
+}
+
+TEST(Labels, namesAreWhatTheDissectorReads) {
+    expectAll({{"labels names bad.csv", 0, "\n0\t4\tunsigned\t4\tA\n2\t2\tunsigned\t2\tB\n"}});
+}
+
+TEST(Info, tellsLibraryAndRecords) {
+    expectAll({{"info", 0, "library SONAME          libvornex_label_tcp.so.1\n"},
+               {"info", 0, "entry points            17 of 17\n"},
+               {"info --library libc.so.6", 6, "libc.so.6 is not the driver: no entry point SetComInfo"}});
+}
+
+// Whoever pipes into jq gets objects from every verb, and a heading with as many cells as each row in CSV.
+TEST(Output_Formats, everyVerbSpeaksJsonAndCsv) {
+    const char* const commands[] = {"ls",
+                                    "ls --elements",
+                                    "check --all",
+                                    "info",
+                                    "labels names",
+                                    "labels lint --end 600",
+                                    "decode 020c0041640000000200f40100000e00fccc 02000040aca5"};
+    for (const char* command : commands) {
+        std::istringstream objects(run(Plant + std::string(command) + " -q -o json").text);
+        std::size_t fields = 0;
+        for (std::string line; std::getline(objects, line);) {
+            if (line.rfind("vornex-label: ", 0) == 0) continue;
+            const nlohmann::json object = nlohmann::json::parse(line, nullptr, false);
+            ASSERT_TRUE(object.is_object()) << command << ": " << line;
+            fields = object.size();
+        }
+        EXPECT_GT(fields, 1u) << command;
+        std::istringstream table(run(Plant + std::string(command) + " -q -o csv").text);
+        std::string heading;
+        std::getline(table, heading);
+        EXPECT_EQ(static_cast<std::size_t>(std::count(heading.begin(), heading.end(), ',')) + 1, fields) << command;
+    }
+}
+
+TEST(Command_Line, tellsWhichWordIsWrong) {
+    expectAll({{"raed Speed", 1, "vornex-label: 'raed' is no verb; did you mean 'read'?; see --help\n"},
+               {"raed --help", 1, "'raed' is no verb"},
+               {"help raed", 1, "'raed' is no verb; did you mean 'read'?"},
+               {"labels lnit", 1, "'lnit' is no verb; did you mean 'lint'?"},
+               {"labels", 1, "'labels' needs a verb"},
+               {"-q", 1, "a verb is missing"},
+               {"read", 1, "LABEL is required"},
+               {"--targt x read Speed", 1, "'--targt' is no option of vornex-label; did you mean '--target'?"},
+               {"read Speed --cuont 3", 1, "'--cuont' is no option of vornex-label read; did you mean '--count'?"},
+               {"ls -T 5", 1, "'-T' is no option of vornex-label ls"},
+               {"labels names a b", 1, "'b' was not expected"},
+               {"read Speed -c 1.5", 1, "--count: '1.5' is not a whole number from 1 to 1000000; see --help\n"},
+               {"bench x -d 0", 1, "--duration: '0' is not a number from 0.01 to 3600;"},
+               {"ls -o xml", 1, "--output: xml not in {text,json,csv}"},
+               {"man --all no/such", 1, "no/such/vornex-label.1: its folder"},
+               {"--help >/dev/full", 8, "standard output: No space left on device"}});
+}
+
+TEST(Command_Line, helpTellsWhatTheVerbTakes) {
+    const struct {
+        const char* verb;
+        const char* told;
+        const char* untold;
+    } rows[] = {
+        {"read", "--trace FILE", "--elements"},      {"ls", "--labels FILE", "--target"},
+        {"info", "--library FILE", "--labels"},      {"check", "--library FILE", "--timeout"},
+        {"replay", "--library FILE", "--timeout"},   {"labels lint", "--labels FILE", "--library"},
+        {"bench", "--duration SECONDS", "--rounds"}, {"", "labels convert", "completion"},
+    };
+    for (const auto& row : rows) {
+        const Outcome help = run(row.verb + std::string(" --help"));
+        EXPECT_EQ(help.code, 0) << row.verb;
+        EXPECT_NE(help.text.find(row.told), std::string::npos) << row.verb << help.text;
+        EXPECT_EQ(help.text.find(row.untold), std::string::npos) << row.verb << help.text;
+        EXPECT_EQ(run(std::string("help ") + row.verb).text, help.text) << row.verb;
+        std::istringstream lines(help.text);
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_LE(line.size(), 80u) << line;
+    }
+}
+
+TEST(Command_Line, manualPagesHaveNothingToWarnOf) {
+    const std::string pages = WORK_DIR "/pages";
+    std::filesystem::remove_all(pages);
+    std::filesystem::create_directories(pages);
+    EXPECT_EQ(run("man --all pages").code, 0);
+    EXPECT_TRUE(run("man labels lint | cmp - pages/vornex-label-labels-lint.1 && echo same").holds("same"));
+    std::size_t count = 0;
+    for (const auto& page : std::filesystem::directory_iterator(pages)) {
+        const std::string man = "man --warnings -E UTF-8 -l -Tutf8 -Z '" + page.path().string() + "' 2>&1 >/dev/null";
+        EXPECT_NE(std::system(("test -n \"$(" + man + ")\"").c_str()), 0) << page.path();
+        ++count;
+    }
+    EXPECT_EQ(count, 16u);
+}
+
+}  // namespace
+}  // namespace vornex::test

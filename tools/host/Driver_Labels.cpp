@@ -1,0 +1,86 @@
+#include "host/Driver_Labels.h"
+
+#include <map>
+
+namespace vornex {
+
+namespace {
+
+const int WritesGoToController = 2;
+
+// Makes the record of each structure once: all that use it share its members.
+class Definitions {
+public:
+    explicit Definitions(const Label_File& labelFile) : file(labelFile) {}
+
+    Label_Type_Info of(const Label& label);
+
+private:
+    const Label_Type_Info& structType(const std::string& name);
+
+    const Label_File& file;
+    std::map<std::string, Label_Type_Info> structTypes;
+};
+
+// Radix, then lowest index and end of each dimension: the end is one past the file's inclusive bound.
+QList<int> dimensionList(const Type_Ref& type) {
+    QList<int> list;
+    list.append(type.radix);
+    for (const Index_Bounds& bounds : type.bounds) {
+        list.append(bounds.low);
+        list.append(bounds.high + 1);
+    }
+    return list;
+}
+
+const Label_Type_Info& Definitions::structType(const std::string& name) {
+    const auto known = structTypes.find(name);
+    if (known != structTypes.end()) return known->second;
+    const Struct_Type& type = file.structs.at(name);
+    Label_Type_Info info;
+    info.name = QString::fromUtf8(name.c_str());
+    info.typeFlags = static_cast<quint16>(StructTypeCode | LabelIsStructType);
+    info.address = type.size;
+    info.memberCount = static_cast<quint32>(type.members.size());
+    for (const Label& member : type.members)
+        info.members.append(of(member));
+    return structTypes[name] = info;
+}
+
+Label_Type_Info Definitions::of(const Label& label) {
+    Label_Type_Info info;
+    info.name = QString::fromUtf8(label.name.c_str());
+    info.typeFlags = static_cast<quint16>(label.type.code);
+    info.address = label.at;
+    if (!label.type.bounds.empty()) {
+        info.typeFlags = static_cast<quint16>(info.typeFlags | LabelIsArray);
+        info.dimensionCount = static_cast<quint32>(label.type.bounds.size());
+        info.dimensions = dimensionList(label.type);
+    }
+    if (label.type.code == StructTypeCode) info.elementType.append(structType(label.type.structName));
+    return info;
+}
+
+}  // namespace
+
+const char MemoryLabel[] = "@memory";
+
+QString driverText(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<int>(text.size())); }
+
+int hostCount(int code, std::uint32_t bytes) { return static_cast<int>(code >= 3 && code <= 9 ? bytes / 2 : bytes); }
+
+void setUpComInfo(ComInfo& comInfo, int maxBytes, int retries) {
+    comInfo.maxBytesPerRequest = maxBytes;
+    comInfo.retryLimit = retries;
+    comInfo.writeMode = WritesGoToController;
+}
+
+QList<Label_Type_Info> driverLabels(const Label_File& file) {
+    Definitions definitions(file);
+    QList<Label_Type_Info> labels;
+    for (const Label& label : file.labels)
+        labels.append(definitions.of(label));
+    return labels;
+}
+
+}  // namespace vornex

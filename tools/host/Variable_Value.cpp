@@ -1,0 +1,69 @@
+#include "host/Variable_Value.h"
+
+#include <stdexcept>
+
+#include "text/Text_Input.h"
+#include "values/Value_Codec.h"
+
+namespace vornex {
+
+namespace {
+
+std::string readFile(const std::string& path) {
+    try {
+        return wholeText(path);
+    } catch (const File_Error& mistake) {
+        throw std::invalid_argument(mistake.what());
+    }
+}
+
+// Ends the run with the array; says by how much it would not fit.
+std::string fitting(const Variable& variable, const std::string& bytes, const std::string& what) {
+    const std::uint64_t room = std::uint64_t(variable.elements) * variable.bytes;
+    if (bytes.size() % variable.bytes != 0) {
+        throw std::invalid_argument(what + ": " + std::to_string(bytes.size()) + " bytes are not whole elements of " +
+                                    std::to_string(variable.bytes) + " bytes");
+    }
+    if (bytes.size() > room) {
+        throw std::invalid_argument(what + ": " + std::to_string(bytes.size()) + " bytes do not fit, '" +
+                                    variable.text + "' has " + std::to_string(room) + " from here on");
+    }
+    if (bytes.empty()) throw std::invalid_argument(what + ": no bytes to write");
+    return bytes;
+}
+
+// Text in quotes over one-byte elements. In a whole array it takes the place of the old text: the rest becomes zero.
+std::string textBytes(const Variable& variable, bool wholeArray, const std::string& text) {
+    std::string bytes = bytesOfText(text);
+    if (wholeArray && bytes.size() < variable.elements) bytes.resize(variable.elements, '\0');
+    return fitting(variable, bytes, "the text");
+}
+
+}  // namespace
+
+Value valueOfRun(const Variable& variable, View view, const std::string& bytes) {
+    const bool isOne = (view == View::Text || view == View::Bytes) && variable.bytes == 1;
+    return valueOf(view, bytes, isOne ? bytes.size() : variable.bytes);
+}
+
+std::string bytesOfValue(const Variable& variable, View view, bool wholeArray, const std::string& text) {
+    const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+    if (quoted && variable.bytes == 1) return textBytes(variable, wholeArray, text);
+    if (!text.empty() && text.front() == '@') return fitting(variable, readFile(text.substr(1)), text.substr(1));
+    if (!text.empty() && text.front() == '[') {
+        return fitting(variable, bytesOfList(view, variable.bytes, text), "the list");
+    }
+    if (wholeArray) {
+        throw std::invalid_argument("'" + variable.text + "' begins an array of " + std::to_string(variable.elements) +
+                                    " elements: write a list [...], or name one element");
+    }
+    return bytesOf(view, variable.bytes, text);
+}
+
+std::string assignmentText(const Variable& variable, const Value& value) {
+    const bool isKnown = value.kind != Value::Kind::Null;
+    return variable.text + " = " + typedText(variable.view, value) +
+           (isKnown && !variable.unit.empty() ? " " + variable.unit : "");
+}
+
+}  // namespace vornex

@@ -1,0 +1,26 @@
+// Values of variables: out of bytes for the reader, and out of the user's text into bytes.
+#ifndef VORNEX_HOST_VARIABLE_VALUE_H
+#define VORNEX_HOST_VARIABLE_VALUE_H
+
+#include <string>
+
+#include "host/Variables.h"
+#include "values/Value.h"
+
+namespace vornex {
+
+// The run of `bytes` under the view: one value, or a list when it holds several. Text and bytes show a run of one-byte
+// elements as one value.
+Value valueOfRun(const Variable& variable, View view, const std::string& bytes);
+
+// The controller bytes for what the user wrote: a value as bytesOf() takes it, text in quotes over one-byte elements, a
+// list [1, 2, 3], @FILE with raw bytes. Throws std::invalid_argument with the reason: not a value of the view, out of
+// range, more elements than the array has from here on. A single value does not fit a whole array.
+std::string bytesOfValue(const Variable& variable, View view, bool wholeArray, const std::string& text);
+
+// "Speed = 1500 rpm"
+std::string assignmentText(const Variable& variable, const Value& value);
+
+}  // namespace vornex
+
+#endif

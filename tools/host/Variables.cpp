@@ -1,0 +1,257 @@
+#include "host/Variables.h"
+
+#include <algorithm>
+#include <map>
+
+#include "labels/Label_Explain.h"
+#include "labels/Template_Text.h"
+
+namespace vornex {
+
+namespace {
+
+Variable variableOf(const Leaf& leaf) {
+    Variable variable;
+    variable.text = leaf.text;
+    variable.unit = leaf.definition->unit;
+    variable.view = leaf.view;
+    variable.address = leaf.address;
+    variable.bytes = leaf.bytes;
+    variable.range = {leaf.text, 0, leaf.code, leaf.bytes};
+    return variable;
+}
+
+bool isGlob(const std::string& text) { return text.find_first_of("*?") != std::string::npos; }
+
+// The glob may match the element, or a structure or array that it lies in: 'Motors[*]' stands for all their members.
+bool globCovers(const std::string& pattern, const std::string& leaf) {
+    if (globMatches(pattern, leaf)) return true;
+    for (std::size_t at = leaf.find_first_of(".["); at != std::string::npos; at = leaf.find_first_of(".[", at + 1)) {
+        if (globMatches(pattern, leaf.substr(0, at))) return true;
+    }
+    return false;
+}
+
+// Collects what each argument matches in one walk over the file. A run is what lies in one array without a gap.
+class Selection {
+public:
+    Selection(const Label_File& labelFile, const std::vector<std::string>& texts)
+        : file(labelFile), arguments(texts), found(texts.size()), runStart(texts.size(), 0) {}
+
+    Leaf_Filter filter() const {
+        Leaf_Filter wanted;
+        for (const std::string& argument : arguments)
+            wanted.texts.push_back({argument.substr(0, argument.find_first_of("*?")), isGlob(argument)});
+        return wanted;
+    }
+
+    void take(const Leaf& leaf) {
+        if (leaf.definition != runDefinition || leaf.address != runEnd) endRun();
+        for (std::size_t i = 0; i < arguments.size(); ++i) {
+            const std::string& argument = arguments[i];
+            if (isGlob(argument) ? globCovers(argument, leaf.text) : leadsOnFrom(argument, leaf.text)) {
+                if (++held > MostElementsHeld) {
+                    throw Host_Error(Host_Error::Kind::Label,
+                                     "'" + argument + "' makes more than a million elements of " + file.path);
+                }
+                found[i].push_back(variableOf(leaf));
+            }
+        }
+        runDefinition = leaf.definition;
+        runEnd = std::uint64_t(leaf.address) + leaf.bytes;
+    }
+
+    // Now it is known how many elements follow each variable of the run.
+    void endRun() {
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            for (; runStart[i] < found[i].size(); ++runStart[i]) {
+                Variable& variable = found[i][runStart[i]];
+                variable.elements = static_cast<std::uint32_t>((runEnd - variable.address) / variable.bytes);
+            }
+        }
+    }
+
+    std::vector<Variable>& at(std::size_t i) { return found[i]; }
+
+private:
+    const Label_File& file;
+    const std::vector<std::string>& arguments;
+    std::size_t held = 0;
+    std::vector<std::vector<Variable>> found;
+    std::vector<std::size_t> runStart;  // the first variable of the present run
+    const Label* runDefinition = nullptr;
+    std::uint64_t runEnd = 0;
+};
+
+[[noreturn]] void noSuchLabel(const Label_File& file, const std::string& argument, const Template_Index& index) {
+    if (isGlob(argument)) {
+        throw Host_Error(Host_Error::Kind::Label, "no label matches '" + argument + "' in " + file.path);
+    }
+    std::string message = "no label '" + argument + "' in " + file.path;
+    std::string text = argument;
+    if (isTemplate(argument)) {
+        if (!index.number) message += " (a template, and no index number was given)";
+        text = templateText(file, argument, index.number.value_or(0)).value_or(argument);
+    }
+    if (const std::optional<Label_Problem> problem = explainLabel(file, text)) {
+        message += ": " + problem->reason + "\n    " + text + "\n    " + markLine(text, problem->at, problem->length);
+    }
+    throw Host_Error(Host_Error::Kind::Label, message);
+}
+
+// The driver carries an index that passes an array's end into other elements: what people hardly ever mean.
+void refuseCarry(Session& session, const Label_File& file, const Variable& variable, const Template_Index& index) {
+    if (!isTemplate(variable.range.label) || index.mayWrap) return;
+    const auto plain = templateText(file, variable.range.label, variable.range.index);
+    if (plain && session.resolve(*plain, 0) == variable.address) return;
+    throw Host_Error(Host_Error::Kind::Label, "index " + std::to_string(variable.range.index) + " leaves the array: '" +
+                                                  variable.range.label + "' would become '" + variable.text + "'");
+}
+
+// Spellings that the file's walk does not produce, templates above all: the driver says where they point to, the
+// definition with the same path says what lies there.
+Variable resolveSpelling(Session& session, const Label_File& file, const std::string& argument,
+                         const Template_Index& index) {
+    const int number = index.number.value_or(0);
+    const std::optional<std::uint32_t> address = session.resolve(argument, number);
+    if (!address) noSuchLabel(file, argument, index);
+    const std::string path = pathOf(argument);
+    std::optional<Variable> variable;
+    std::uint64_t end = 0;
+    const auto take = [&](const Leaf& leaf) {
+        if (!variable && leaf.address == *address && pathOf(leaf.text) == path) variable = variableOf(leaf);
+        if (!variable) return true;
+        if (end != 0 && (leaf.address != end || pathOf(leaf.text) != path)) return false;
+        end = std::uint64_t(leaf.address) + leaf.bytes;
+        return true;
+    };
+    Leaf_Filter filter;
+    filter.texts = {{path.substr(0, path.find('.')), false}};
+    forEachLeaf(file, take, filter);
+    if (!variable) noSuchLabel(file, argument, index);
+    variable->elements = static_cast<std::uint32_t>((end - variable->address) / variable->bytes);
+    variable->range.label = argument;
+    variable->range.index = number;
+    refuseCarry(session, file, *variable, index);
+    return *variable;
+}
+
+// The addresses that count are the driver's; the file's own arithmetic only says what is where.
+void useDriverAddress(Session& session, const Label_File& file, Variable& variable) {
+    const std::optional<std::uint32_t> address = session.resolve(variable.range.label, variable.range.index);
+    if (!address) {
+        throw Host_Error(Host_Error::Kind::Label,
+                         "the driver does not resolve label '" + variable.text + "' of " + file.path);
+    }
+    variable.address = *address;
+}
+
+}  // namespace
+
+void requireTemplate(const std::vector<std::string>& arguments, const Template_Index& index) {
+    if (!index.number || std::any_of(arguments.begin(), arguments.end(), isTemplate)) return;
+    throw Host_Error(Host_Error::Kind::Settings, "an index number is given, but no label is a template (%%)");
+}
+
+std::vector<Variable> findVariables(Session& session, const Label_File& file, const std::vector<std::string>& arguments,
+                                    const Template_Index& index) {
+    Selection selection(file, arguments);
+    const auto take = [&selection](const Leaf& leaf) {
+        selection.take(leaf);
+        return true;
+    };
+    forEachLeaf(file, take, selection.filter());
+    selection.endRun();
+    std::vector<Variable> variables;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        std::vector<Variable>& found = selection.at(i);
+        if (found.empty() && isGlob(arguments[i])) noSuchLabel(file, arguments[i], index);
+        if (found.empty()) found.push_back(resolveSpelling(session, file, arguments[i], index));
+        for (Variable& variable : found) {
+            useDriverAddress(session, file, variable);
+            variables.push_back(std::move(variable));
+        }
+    }
+    return variables;
+}
+
+Variable firstVariable(Session& session, const Label_File& file, const std::string& argument,
+                       const Template_Index& index, Extent& extent) {
+    if (isGlob(argument)) {
+        extent = Extent::Several;
+        return findVariables(session, file, {argument}, index).front();
+    }
+    std::optional<Variable> first;
+    const Label* definition = nullptr;
+    std::uint64_t end = 0;
+    extent = Extent::Element;
+    const auto take = [&](const Leaf& leaf) {
+        const bool isMatch = leadsOnFrom(argument, leaf.text);
+        if (!first) {
+            if (!isMatch) return true;
+            first = variableOf(leaf);
+            definition = leaf.definition;
+        } else if (leaf.definition == definition && leaf.address == end) {
+            if (isMatch) extent = Extent::Array;
+            if (end - first->address >= LongestValue) return false;
+        } else {
+            if (isMatch) extent = Extent::Several;
+            return false;
+        }
+        end = std::uint64_t(leaf.address) + leaf.bytes;
+        return true;
+    };
+    Leaf_Filter filter;
+    filter.texts = {{argument, false}};
+    forEachLeaf(file, take, filter);
+    if (!first) return findVariables(session, file, {argument}, index).front();
+    first->elements = static_cast<std::uint32_t>((end - first->address) / first->bytes);
+    useDriverAddress(session, file, *first);
+    return *first;
+}
+
+Variable findVariable(Session& session, const Label_File& file, const std::string& argument,
+                      const Template_Index& index, bool& wholeArray) {
+    Extent extent = Extent::Element;
+    Variable variable = firstVariable(session, file, argument, index, extent);
+    if (extent == Extent::Several) {
+        throw Host_Error(Host_Error::Kind::Label,
+                         "'" + argument + "' is more than one variable: name an element or member");
+    }
+    wholeArray = extent == Extent::Array;
+    return variable;
+}
+
+std::string pathOf(const std::string& text) {
+    std::string path;
+    bool inIndex = false;
+    for (char letter : text) {
+        if (letter == '[') inIndex = true;
+        if (!inIndex) path += letter;
+        if (letter == ']') inIndex = false;
+    }
+    return path;
+}
+
+bool globMatches(const std::string& pattern, const std::string& text) {
+    std::size_t p = 0, t = 0, star = std::string::npos, retry = 0;
+    while (t < text.size()) {
+        if (p < pattern.size() && pattern[p] == '*') {
+            star = p++;
+            retry = t;
+        } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
+            ++p;
+            ++t;
+        } else if (star != std::string::npos) {  // let the last star take one character more
+            p = star + 1;
+            t = ++retry;
+        } else {
+            return false;
+        }
+    }
+    while (p < pattern.size() && pattern[p] == '*')
+        ++p;
+    return p == pattern.size();
+}
+
+}  // namespace vornex

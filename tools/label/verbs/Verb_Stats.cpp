@@ -1,0 +1,239 @@
+// vornex-label stats and bench
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+#include "host/Status_Text.h"
+#include "host/Variables.h"
+#include "label/Online.h"
+#include "label/verbs/Verb_Table.h"
+#include "watch/Watch_Events.h"
+
+namespace vornex {
+
+namespace {
+
+struct Stats_Options {
+    std::vector<std::string> labels;
+    int rounds = 0;
+    int interval = 0;
+    double seconds = 0;
+    Template_Index index;
+    bool noWait = false;
+};
+
+// What a round asks for, to judge the packing by.
+struct Workload {
+    std::size_t variables = 0;
+    std::uint64_t bytesWanted = 0;
+    int requests = 0;
+};
+
+std::string fixed(double number, int digits) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", digits, number);
+    return text;
+}
+
+double per(double amount, double unit) { return unit > 0 ? amount / unit : 0; }
+
+Row figuresRow(const Statistics_Figures& now) {
+    Row row;
+    row.add(key::seconds, Value::number(fixed(now.seconds, 3)))
+        .add(key::rounds, now.rounds)
+        .add(key::exchanges, now.attempts);
+    row.add(key::goodExchanges, now.good).add(key::retries, now.retries).add(key::givenUp, now.gaveUp());
+    row.add(key::connectionsLost, now.linkLosses).add(key::bytesSent, now.bytesSent);
+    row.add(key::bytesReceived, now.bytesReceived).add(key::dataBytes, now.dataBytes);
+    row.add(key::latencyMedianUs, now.latency(0.5))
+        .add(key::latency99Us, now.latency(0.99))
+        .add(key::latencyMaxUs, now.latency(1));
+    return row;
+}
+
+// One line a second, of that second alone.
+void showSecond(Output& out, const Statistics_Figures& before, const Statistics_Figures& now) {
+    const double time = now.seconds - before.seconds;
+    Row row = figuresRow(now);
+    const double exchanges = per(static_cast<double>(now.attempts - before.attempts), time);
+    const double data = per(static_cast<double>(now.dataBytes - before.dataBytes), time);
+    row.add(key::exchangesPerSecond, Value::number(fixed(exchanges, 1)));
+    out.row(row, fixed(now.seconds, 0) + " s: " + fixed(exchanges, 0) + " exchanges/s, " + fixed(data / 1000, 1) +
+                     " kB/s data, " + std::to_string(now.retries - before.retries) + " retries, " +
+                     std::to_string(now.gaveUp() - before.gaveUp()) + " given up");
+    out.flush();
+}
+
+std::string listText(const std::map<std::string, std::uint64_t>& counts) {
+    std::string text;
+    for (const auto& [name, count] : counts)
+        text += (text.empty() ? "" : ", ") + name + " " + std::to_string(count);
+    return text;
+}
+
+void showPacking(Output& out, const Workload& work, const Statistics_Figures& now) {
+    const double good = static_cast<double>(now.good);
+    const double wanted = static_cast<double>(work.bytesWanted) * now.rounds;
+    out.text("packing: " + std::to_string(work.variables) + " variables of " + std::to_string(work.bytesWanted) +
+             " bytes in " + std::to_string(work.requests) + " requests a round; a frame carried " +
+             fixed(per(static_cast<double>(now.itemsRead), good), 1) + " requests and " +
+             fixed(per(static_cast<double>(now.dataBytes), good), 1) + " data bytes, " +
+             fixed(100 * per(wanted, static_cast<double>(now.dataBytes)), 0) + " % of them wanted");
+}
+
+void showSummary(Output& out, const std::string& target, const Workload& work, const Statistics_Figures& now) {
+    std::map<std::string, std::uint64_t> bands;
+    for (const auto& [band, count] : now.giveUps)
+        bands[bandText(band) + " (" + std::to_string(band) + ")"] = count;
+    if (out.format != Output::Format::Text) {
+        Row row = figuresRow(now);
+        row.add(key::variables, static_cast<std::uint64_t>(work.variables)).add(key::bytesWanted, work.bytesWanted);
+        row.add(key::requestsPerRound, work.requests).add(key::requestsRead, now.itemsRead);
+        row.add(key::faultList, listText(now.faults)).add(key::giveUpList, listText(bands));
+        return out.row(row, "");
+    }
+    out.text("--- " + target + " ---");
+    out.text(std::to_string(now.attempts) + " exchanges in " + fixed(now.seconds, 1) + " s (" +
+             fixed(per(static_cast<double>(now.attempts), now.seconds), 1) + "/s), " + std::to_string(now.good) +
+             " good, " + std::to_string(now.retries) + " retries, " + std::to_string(now.gaveUp()) + " given up, " +
+             std::to_string(now.linkLosses) + " connections lost");
+    out.text("sent " + std::to_string(now.bytesSent) + " bytes, received " + std::to_string(now.bytesReceived) +
+             ", data " + std::to_string(now.dataBytes) + "; " + std::to_string(now.rounds) + " rounds (" +
+             fixed(per(now.rounds, now.seconds), 1) + "/s)");
+    if (!now.faults.empty()) out.text("faults: " + listText(now.faults));
+    if (!bands.empty()) out.text("given up: " + listText(bands));
+    out.text("latency p50 " + millisecondsText(now.latency(0.5)) + ", p99 " + millisecondsText(now.latency(0.99)) +
+             ", max " + millisecondsText(now.latency(1)));
+    showPacking(out, work, now);
+}
+
+Workload startPolling(Tool& tool, Session& session, const Stats_Options& options) {
+    std::vector<Label_Range> ranges;
+    Workload work;
+    for (const Variable& variable : findVariables(session, tool.labels(), options.labels, options.index)) {
+        ranges.push_back(variable.range);
+        work.bytesWanted += variable.bytes;
+    }
+    work.variables = ranges.size();
+    session.connect(options.noWait ? First_Connection::Needed : First_Connection::MayFollow);
+    work.requests = session.poll(ranges, {Milliseconds(options.interval), options.rounds, false});
+    if (work.requests == 0) throw Tool_Error(Exit_Code::Label, "the driver made no request of these labels");
+    return work;
+}
+
+Exit_Code stats(Tool& tool, const Stats_Options& options) {
+    Watch_Events events;
+    Online online(tool, Loss_Told::ByVerb);
+    online.session.addObserver(events);
+    const Workload work = startPolling(tool, online.session, options);
+    const Steady_Time start = std::chrono::steady_clock::now();
+    const std::chrono::duration<double> most(options.seconds > 0 ? options.seconds : 1e9);
+    const Steady_Time end = start + std::chrono::duration_cast<Steady_Time::duration>(most);
+    Steady_Time next = start + std::chrono::seconds(1);
+    Statistics_Figures before;
+    for (;;) {
+        const Watch_News news = events.wait(std::min(next, end));
+        const Statistics_Figures now = online.statistics.figures();
+        const Steady_Time time = std::chrono::steady_clock::now();
+        for (const Link_Change& change : news.linkChanges)
+            tool.out.note(tool.out.time(change.at) + "  -- " + linkText(change));
+        const bool enough = options.rounds > 0 && news.rounds >= options.rounds;
+        if (news.interrupted || enough || time >= end) {
+            showSummary(tool.out, online.session.target(), work, now);
+            if (news.interrupted) return Exit_Code::Interrupted;
+            return now.good > 0 ? Exit_Code::Ok : Exit_Code::GaveUp;
+        }
+        if (time < next) continue;
+        showSecond(tool.out, before, now);
+        before = now;
+        next += std::chrono::seconds(1);
+    }
+}
+
+// Polls as fast as the controller answers; nothing when interrupted.
+std::optional<Statistics_Figures> measure(Tool& tool, const Stats_Options& options, Workload& work) {
+    Watch_Events events;
+    Online online(tool);
+    online.session.addObserver(events);
+    work = startPolling(tool, online.session, options);
+    const Steady_Time start = std::chrono::steady_clock::now();
+    const Steady_Time end =
+        start + std::chrono::duration_cast<Steady_Time::duration>(std::chrono::duration<double>(options.seconds));
+    while (std::chrono::steady_clock::now() < end) {
+        if (events.wait(end).interrupted) return std::nullopt;
+    }
+    return online.statistics.figures();
+}
+
+void showSize(Output& out, int size, const Workload& work, const Statistics_Figures& now) {
+    const double exchanges = per(static_cast<double>(now.good), now.seconds);
+    const double rounds = per(now.rounds, now.seconds);
+    const double data = per(static_cast<double>(now.dataBytes), now.seconds);
+    Row row;
+    row.add(key::bytesPerRequest, size).add(key::requestsPerRound, work.requests);
+    row.add(key::exchangesPerSecond, Value::number(fixed(exchanges, 1)));
+    row.add(key::roundsPerSecond, Value::number(fixed(rounds, 1)));
+    row.add(key::dataBytesPerSecond, Value::number(fixed(data, 0)));
+    row.add(key::retries, now.retries).add(key::givenUp, now.gaveUp());
+    row.add(key::latencyMedianUs, now.latency(0.5)).add(key::latency99Us, now.latency(0.99));
+    out.row(row, "-m " + std::to_string(size) + ": " + std::to_string(work.requests) + " requests a round, " +
+                     fixed(rounds, 1) + " rounds/s, " + fixed(exchanges, 1) + " exchanges/s, " + fixed(data / 1000, 1) +
+                     " kB/s data, latency p50 " + millisecondsText(now.latency(0.5)) + ", p99 " +
+                     millisecondsText(now.latency(0.99)));
+    out.flush();
+}
+
+Exit_Code bench(Tool& tool, const Stats_Options& options) {
+    Exit_Code code = Exit_Code::GaveUp;
+    for (const int size : {32, 100, 240, 500, 999}) {
+        Common_Options sized = tool.options;
+        sized.host.maxBytes = size;
+        Tool sizedTool(sized);  // with a driver that knows nothing of the size before
+        Workload work;
+        const std::optional<Statistics_Figures> figures = measure(sizedTool, options, work);
+        if (!figures) return Exit_Code::Interrupted;
+        showSize(tool.out, size, work, *figures);
+        if (figures->good > 0) code = Exit_Code::Ok;
+    }
+    return code;
+}
+
+}  // namespace
+
+void addStatsVerb(Verbs& verbs) {
+    const auto own = std::make_shared<Stats_Options>();
+    const Page page = {
+        "Poll labels and measure the link",
+        "Polls labels as fast as the controller answers, or at an interval, and tells exchanges, data, retries, "
+        "give-ups by result code, latency and how the driver packed the requests: a line a second and a summary at the "
+        "end, also after Ctrl-C.\n\nExit status 4 tells that no exchange was good.",
+        {{"stats -l plant.json '*' -d 10", "Ten seconds over all labels."},
+         {"stats -l plant.json Motors -i 100 -n 600", "A minute at the pace of a panel."},
+         {"stats -l plant.json Speed -d 5 -o json", "An object a second, the last one the summary."}}};
+    CLI::App& verb = verbs.add("stats", page, UsesLink, [own](Tool& tool) { return stats(tool, *own); });
+    addLabelArguments(verb, own->labels);
+    addNumber(verb, "-d,--duration", "SECONDS", own->seconds, 0, 1e6, "End after so long; 0: go on.");
+    addRoundsOption(verb, own->rounds);
+    addIntervalOption(verb, own->interval);
+    addNoWaitOption(verb, own->noWait);
+    addIndexOptions(verb, own->index);
+}
+
+void addBenchVerb(Verbs& verbs) {
+    const auto own = std::make_shared<Stats_Options>();
+    own->seconds = 1;
+    const Page page = {
+        "Find the request size that suits the link",
+        "Polls the labels as fast as the controller answers, with requests of at most 32, 100, 240, 500 and 999 bytes "
+        "one after the other, and tells rounds, exchanges, data and latency of each: the size with the most rounds a "
+        "second is the one for -m, and for the panel's own setting.\n\nExit status 4 tells that no exchange was good.",
+        {{"bench -l plant.json '*'", "All labels, a second for each size."},
+         {"bench -l plant.json Motors Line -d 10", "What a panel with these labels would do."},
+         {"bench -l plant.json '*' -o csv", "A table for a spreadsheet."}}};
+    CLI::App& verb = verbs.add("bench", page, UsesLink, [own](Tool& tool) { return bench(tool, *own); });
+    addLabelArguments(verb, own->labels);
+    addNumber(verb, "-d,--duration", "SECONDS", own->seconds, 0.01, 3600, "How long each size is tried.");
+    addIndexOptions(verb, own->index);
+}
+
+}  // namespace vornex

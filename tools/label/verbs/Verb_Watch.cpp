@@ -1,0 +1,219 @@
+// vornex-label watch
+#include <functional>
+#include <memory>
+#include <stdexcept>
+
+#include "host/Status_Text.h"
+#include "host/Variable_Value.h"
+#include "label/Online.h"
+#include "label/Watch_View.h"
+#include "label/verbs/Verb_Table.h"
+#include "labels/Label_Names.h"
+#include "values/Comparison.h"
+#include "watch/Csv_Log.h"
+#include "watch/Watch_Events.h"
+
+namespace vornex {
+
+namespace {
+
+struct Watch_Options {
+    std::vector<std::string> labels;
+    int rounds = 0;
+    int interval = 200;
+    Template_Index index;
+    bool table = false;
+    std::string csv;
+    std::string until;
+    double deadband = 0;
+    bool noWait = false;
+};
+
+const Milliseconds TickTime{250};
+
+class Watch {
+public:
+    Watch(Tool& userTool, const Watch_Options& watchOptions)
+        : tool(userTool), options(watchOptions), online(tool, Loss_Told::ByVerb) {}
+    Exit_Code run();
+
+private:
+    void chooseVariables();
+    void chooseViews();
+    void startPolling();
+    void show(const std::function<void(Watch_View&)>& what);
+    void tell(const Watch_News& news);
+    bool conditionMet() const;
+    bool take(const Watch_News& news);
+    Exit_Code end();
+
+    Tool& tool;
+    const Watch_Options& options;
+    Watch_Events events;
+    Online online;
+    std::vector<Watched> all;
+    std::vector<std::unique_ptr<Watch_View>> views;
+    Comparison condition;
+    std::size_t conditionAt = 0;  // in `all`
+    bool met = false;
+    bool giveUpTold = false;  // once for each trouble, not once a round
+};
+
+void Watch::chooseVariables() {
+    std::vector<std::string> arguments = options.labels;
+    requireTemplate(arguments, options.index);
+    if (!options.until.empty()) {
+        try {
+            condition = parseComparison(options.until);
+        } catch (const std::invalid_argument& mistake) {
+            throw Tool_Error(Exit_Code::Usage, std::string("--until: ") + mistake.what());
+        }
+    }
+    for (Variable& variable : findVariables(online.session, tool.labels(), arguments, options.index)) {
+        Watched watched;
+        watched.variable = std::move(variable);
+        all.push_back(std::move(watched));
+    }
+    if (condition.subject.empty()) return;
+    bool wholeArray = false;
+    Watched watched;
+    watched.variable = findVariable(online.session, tool.labels(), condition.subject, options.index, wholeArray);
+    try {
+        checkComparison(condition, watched.variable.view);
+    } catch (const std::invalid_argument& mistake) {
+        throw Tool_Error(Exit_Code::Usage, std::string("--until: ") + mistake.what());
+    }
+    for (conditionAt = 0; conditionAt < all.size(); ++conditionAt) {
+        if (all[conditionAt].variable.text == watched.variable.text) return;
+    }
+    all.push_back(std::move(watched));  // polled and shown, although not named among the labels
+}
+
+void Watch::chooseViews() {
+    const bool isText = tool.out.format == Output::Format::Text;
+    if (isText && tool.out.quiet) {
+        // only the files and the exit code are wanted
+    } else if (options.table && isText) {
+        views.push_back(std::make_unique<Live_Table>(tool.out, online.session.target()));
+    } else {
+        views.push_back(std::make_unique<Change_Lines>(tool.out, options.deadband));
+    }
+    if (!options.csv.empty()) views.push_back(std::make_unique<Csv_Log>(options.csv, tool.outputPolicy(), all));
+}
+
+void Watch::startPolling() {
+    std::vector<Label_Range> ranges;
+    for (const Watched& watched : all)
+        ranges.push_back(watched.variable.range);
+    const int requests = online.session.poll(ranges, {Milliseconds(options.interval), options.rounds, true});
+    tool.out.detail(std::to_string(all.size()) + " variables in " + std::to_string(requests) + " requests a round");
+    if (requests == 0) throw Tool_Error(Exit_Code::Label, "the driver made no request of these labels");
+}
+
+// A view whose output ends too early is given up, and the others go on; the last one takes the watch with it.
+void Watch::show(const std::function<void(Watch_View&)>& what) {
+    for (auto view = views.begin(); view != views.end();) {
+        try {
+            what(**view);
+            ++view;
+        } catch (const Output_Error& error) {
+            if (views.size() == 1) throw;
+            tool.outputFailed(error);
+            view = views.erase(view);
+        }
+    }
+}
+
+void Watch::tell(const Watch_News& news) {
+    for (const Link_Change& change : news.linkChanges) {
+        show([&change](Watch_View& view) { view.link(change); });
+    }
+    if (news.goodExchange) giveUpTold = false;
+    for (const Give_Up& giveUp : news.giveUps) {
+        if (giveUpTold) break;
+        giveUpTold = true;
+        const Label_Names names(tool.labels());
+        std::string what;
+        for (const Memory_Range& item : giveUp.items)
+            what += (what.empty() ? "" : ", ") + names.of(item.address, item.bytes);
+        tool.out.warn("the driver gave up on " + what + ": " + statusText(giveUp.status) + "; " + giveUp.fault);
+    }
+}
+
+bool Watch::conditionMet() const {
+    return !condition.subject.empty() && all[conditionAt].freshness == Freshness::Fresh &&
+           condition.metBy(all[conditionAt].value);
+}
+
+Exit_Code Watch::end() {
+    show([this](Watch_View& view) { view.finish(all); });
+    tool.out.note(online.statistics.summary());
+    if (online.session.interrupted()) return Exit_Code::Interrupted;
+    if (met) return Exit_Code::Ok;
+    if (!condition.subject.empty()) {
+        tool.out.error("the condition '" + options.until + "' was not met");
+        return Exit_Code::VerifyMismatch;
+    }
+    std::size_t missing = 0;
+    for (const Watched& watched : all)
+        missing += watched.freshness == Freshness::Fresh ? 0 : 1;
+    if (missing == 0) return Exit_Code::Ok;
+    tool.out.error(std::to_string(missing) + " of " + std::to_string(all.size()) + " values are not fresh");
+    return Exit_Code::GaveUp;
+}
+
+// The news of one wait. Each round is taken by itself, so that views and --rounds miss none.
+bool Watch::take(const Watch_News& news) {
+    tell(news);
+    refresh(online.session, all);
+    const bool changed = news.newRound || (!news.linkChanges.empty() && tool.out.dataOnTerminal);
+    if (changed) show([&](Watch_View& view) { view.update(all, news.rounds); });
+    if (!changed) show([this](Watch_View& view) { view.tick(all); });
+    met = conditionMet();
+    if (news.interrupted || met || (options.rounds > 0 && news.rounds >= options.rounds)) return false;
+    if (news.newRound) online.session.roundTaken();
+    return true;
+}
+
+Exit_Code Watch::run() {
+    chooseVariables();
+    chooseViews();
+    online.session.addObserver(events);
+    online.connect(options.noWait ? First_Connection::Needed : First_Connection::MayFollow);
+    startPolling();
+    Watch_News news;
+    do {
+        news = events.wait(std::chrono::steady_clock::now() + TickTime);
+    } while (take(news));
+    return end();
+}
+
+}  // namespace
+
+void addWatchVerb(Verbs& verbs) {
+    const auto own = std::make_shared<Watch_Options>();
+    const Page page = {
+        "Poll labels and show changes, or a live table",
+        "Polls labels through the driver's cyclic list, as a panel does, until Ctrl-C. It goes on while the controller "
+        "is away: the loss and the return of the connection are told, values are stale from the loss until they have "
+        "come again, and a value that never came is ?, not 0.\n\n"
+        "Exit status 4 tells that values were not fresh when the rounds ended, 5 that --until was not met by then.",
+        {{"watch -l plant.json Speed 'Motors[*].Temp' --table", "A live table."},
+         {"watch -l plant.json Speed --until 'Speed>100' -n 50", "Wait for a value, 50 rounds at most."},
+         {"watch -l plant.json Motors -i 1000 --csv log.csv -o json",
+          "Changes as JSON lines, and a log of every round."}}};
+    CLI::App& verb = verbs.add("watch", page, UsesLink, [own](Tool& tool) { return Watch(tool, *own).run(); });
+    addLabelArguments(verb, own->labels);
+    addFlag(verb, "--table", own->table, "A table that is kept up to date.");
+    addRoundsOption(verb, own->rounds);
+    addIntervalOption(verb, own->interval);
+    addText(verb, "--until", "CONDITION", own->until,
+            "End when it is met: LABEL, one of > >= < <= == !=, and a value.");
+    addNumber(verb, "--deadband", "X", own->deadband, 0, 1e300,
+              "Show a number again only when it has moved by more than X.");
+    addText(verb, "--csv", "FILE", own->csv, "Write a line with all values for every round.");
+    addNoWaitOption(verb, own->noWait);
+    addIndexOptions(verb, own->index);
+}
+
+}  // namespace vornex

@@ -1,0 +1,272 @@
+// From the JSON tree to the label file, with every check that needs no controller.
+#include "labels/Label_File.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <set>
+
+#include "labels/Label_Csv.h"
+#include "labels/Label_Tree.h"
+#include "text/Host_Port.h"
+#include "text/Text.h"
+#include "text/Text_Input.h"
+
+namespace vornex {
+namespace {
+
+constexpr std::uint64_t AddressSpace = std::uint64_t(1) << 32;
+constexpr int NestingLimit = 32;                // structures within structures; bounds every recursion over them
+constexpr std::uint64_t MemberLimit = 1000000;  // with structures spelled out; bounds what nesting multiplies
+
+// What a message is about: the file and, inside it, a label, a structure or a member.
+struct Place {
+    std::string path;
+    std::string subject;  // "label 'Speed': ", or empty
+
+    [[noreturn]] void fail(int line, const std::string& reason) const {
+        throw File_Error(path + ":" + std::to_string(line) + ": " + subject + reason);
+    }
+    Place about(const char* kind, const std::string& name) const {
+        return {path, std::string(kind) + " '" + name + "': "};
+    }
+};
+
+void checkKeys(const Place& place, const Json_Node& object, std::initializer_list<const char*> known) {
+    for (const Json_Entry& entry : object.entries) {
+        bool found = false;
+        for (const char* key : known)
+            found = found || entry.key == key;
+        if (!found) place.fail(entry.line, "unknown key \"" + entry.key + "\"");
+    }
+}
+
+void requireKind(const Place& place, const Json_Node& node, Json_Node::Kind kind, const std::string& what) {
+    if (node.kind != kind) place.fail(node.line, what + " is " + kindName(node.kind) + ", not " + kindName(kind));
+}
+
+const Json_Entry& requireKey(const Place& place, const Json_Node& object, const char* key) {
+    const Json_Entry* entry = object.find(key);
+    if (!entry) place.fail(object.line, std::string("the key \"") + key + "\" is missing");
+    return *entry;
+}
+
+std::string textOf(const Place& place, const Json_Entry& entry) {
+    requireKind(place, entry.value, Json_Node::Kind::String, "\"" + entry.key + "\"");
+    return entry.value.text;
+}
+
+std::string optionalText(const Place& place, const Json_Node& object, const char* key) {
+    const Json_Entry* entry = object.find(key);
+    return entry ? textOf(place, *entry) : std::string();
+}
+
+std::uint32_t numberOf(const Place& place, const Json_Entry& entry, std::int64_t lowest) {
+    const std::int64_t value = entry.value.integer;
+    if (entry.value.kind != Json_Node::Kind::Integer || value < lowest || value >= std::int64_t(AddressSpace)) {
+        place.fail(entry.line,
+                   "\"" + entry.key + "\" is not a whole number from " + std::to_string(lowest) + " to 4294967295");
+    }
+    return static_cast<std::uint32_t>(value);
+}
+
+// Characters that label texts give a meaning of their own: such a name could never be reached.
+void checkName(const Place& place, int line, const std::string& name) {
+    if (name.empty()) place.fail(line, "the name is empty");
+    if (name.find_first_of(".[]") != std::string::npos || name.find("%%") != std::string::npos) {
+        place.fail(line, "a name cannot hold '.', '[', ']' or '%%'");
+    }
+    if (name == "@memory") place.fail(line, "'@memory' stands for bare memory in the tools' own requests");
+}
+
+void readType(const Place& place, const Json_Node& object, Label& label) {
+    const Json_Entry& entry = requireKey(place, object, "type");
+    try {
+        label.type = parseType(textOf(place, entry));
+    } catch (const std::invalid_argument& error) {
+        place.fail(entry.line, error.what());
+    }
+}
+
+void readView(const Place& place, const Json_Node& object, Label& label) {
+    const Json_Entry* entry = object.find("view");
+    if (!entry) return;
+    const std::string text = textOf(place, *entry);
+    const std::optional<View> view = parseView(text);
+    if (!view) place.fail(entry->line, "unknown view '" + text + "'; it is one of " + joined(viewNames()));
+    label.view = *view;
+    if (label.type.code == 12) place.fail(entry->line, "a structure has no view; its members have");
+    const std::uint32_t bytes = elementBytes(Label_File(), label.type);
+    const std::uint32_t width = viewEntry(*view).width;
+    if (width > bytes) {
+        place.fail(entry->line, "view " + text + " needs " + std::to_string(width) + " bytes, an element has " +
+                                    std::to_string(bytes));
+    }
+}
+
+Label readLabel(const Place& where, const char* kind, const std::string& owner, const Json_Node& object) {
+    requireKind(where, object, Json_Node::Kind::Object, kind);
+    const Json_Entry& nameEntry = requireKey(where, object, "name");
+    Label label;
+    label.line = object.line;
+    label.name = textOf(where, nameEntry);
+    const Place place = where.about(kind, owner + label.name);
+    checkName(place, nameEntry.line, label.name);
+    checkKeys(place, object, {"name", "type", "at", "view", "unit", "sim"});
+    readType(place, object, label);
+    label.at = numberOf(place, requireKey(place, object, "at"), 0);
+    readView(place, object, label);
+    label.unit = optionalText(place, object, "unit");
+    label.sim = optionalText(place, object, "sim");
+    if (label.type.code == 12 && !label.sim.empty()) {
+        place.fail(object.find("sim")->line, "a structure does not move by itself; its members do");
+    }
+    return label;
+}
+
+std::vector<Label> readLabels(const Place& where, const char* kind, const std::string& owner, const Json_Entry& list) {
+    requireKind(where, list.value, Json_Node::Kind::Array, "\"" + list.key + "\"");
+    std::vector<Label> labels;
+    std::set<std::string> names;
+    for (const Json_Entry& entry : list.value.entries) {
+        labels.push_back(readLabel(where, kind, owner, entry.value));
+        const Label& label = labels.back();
+        if (!names.insert(label.name).second) {
+            where.about(kind, owner + label.name).fail(label.line, "the name is used twice");
+        }
+    }
+    return labels;
+}
+
+Struct_Type readStruct(const Place& file, const Json_Entry& entry) {
+    const Place place = file.about("structure", entry.key);
+    requireKind(place, entry.value, Json_Node::Kind::Object, "it");
+    checkName(place, entry.line, entry.key);
+    if (entry.key.find_first_not_of("0123456789") == std::string::npos || entry.key.find('/') != std::string::npos) {
+        place.fail(entry.line, "a structure's name is not a number and has no '/'");
+    }
+    checkKeys(place, entry.value, {"size", "members"});
+    Struct_Type type;
+    type.name = entry.key;
+    type.line = entry.line;
+    type.size = numberOf(place, requireKey(place, entry.value, "size"), 1);
+    type.members = readLabels(place, "member", entry.key + ".", requireKey(place, entry.value, "members"));
+    return type;
+}
+
+// Levels of structures from this one down. `known` keeps what was found, 0 for a structure still being looked at.
+// Fails for a structure that contains itself.
+int nestingOf(const Label_File& file, const Place& place, const Struct_Type& type, std::map<std::string, int>& known,
+              int above = 0) {
+    const auto before = known.find(type.name);
+    if (before != known.end() && before->second > 0) return before->second;
+    if (before != known.end()) place.about("structure", type.name).fail(type.line, "it contains itself");
+    if (above > NestingLimit) place.about("structure", type.name).fail(type.line, "structures nest too deep");
+    known[type.name] = 0;
+    int levels = 1;
+    for (const Label& member : type.members) {
+        if (member.type.code != 12) continue;
+        levels =
+            std::max(levels, 1 + nestingOf(file, place, file.structs.at(member.type.structName), known, above + 1));
+    }
+    if (levels > NestingLimit) place.about("structure", type.name).fail(type.line, "structures nest too deep");
+    return known[type.name] = levels;
+}
+
+// Members below a label of this type, those of nested structures each time, arrays once. `known` keeps what was found.
+std::uint64_t membersBelow(const Label_File& file, const Type_Ref& type, std::map<std::string, std::uint64_t>& known) {
+    if (type.code != 12) return 0;
+    const auto before = known.find(type.structName);
+    if (before != known.end()) return before->second;
+    std::uint64_t count = 0;
+    for (const Label& member : file.structs.at(type.structName).members)
+        count = std::min(count + 1 + membersBelow(file, member.type, known), MemberLimit + 1);
+    return known[type.structName] = count;
+}
+
+void checkMembers(const Label_File& file, const Place& place) {
+    std::map<std::string, std::uint64_t> known;
+    std::uint64_t count = 0;
+    for (const Label& label : file.labels) {
+        count += membersBelow(file, label.type, known);
+        if (count <= MemberLimit) continue;
+        place.about("label", label.name)
+            .fail(label.line,
+                  "with its structures spelled out, the file has more than a "
+                  "million members up to here");
+    }
+}
+
+// Checks that need all structures: the type exists, the whole array fits below `limit`.
+void checkExtent(const Label_File& file, const Place& place, const Label& label, std::uint64_t limit,
+                 const std::string& limitName) {
+    const std::uint64_t bytes = elementBytes(file, label.type);
+    if (bytes == 0) place.fail(label.line, "unknown structure '" + label.type.structName + "'");
+    const std::uint64_t count = elementCount(label.type);
+    if (label.at > limit || count > (limit - label.at) / bytes) {
+        place.fail(label.line, std::to_string(count) + " x " + std::to_string(bytes) + " bytes at " +
+                                   std::to_string(label.at) + " end past " + limitName);
+    }
+}
+
+void checkWhole(const Label_File& file, const Place& place) {
+    for (const auto& [name, type] : file.structs) {
+        for (const Label& member : type.members) {
+            checkExtent(file, place.about("member", name + "." + member.name), member, type.size,
+                        "the structure's size " + std::to_string(type.size));
+        }
+    }
+    std::map<std::string, int> levels;
+    for (const auto& entry : file.structs)
+        nestingOf(file, place, entry.second, levels);
+    for (const Label& label : file.labels) {
+        checkExtent(file, place.about("label", label.name), label, AddressSpace, "the 32-bit address space");
+    }
+    checkMembers(file, place);
+}
+
+void readTarget(const Place& place, const Json_Node& root, Label_File& file) {
+    file.target = optionalText(place, root, "target");
+    if (file.target.empty()) return;
+    try {
+        parseHostPort(file.target);
+    } catch (const std::invalid_argument& refusal) {
+        place.fail(root.find("target")->line, std::string("target ") + refusal.what());
+    }
+}
+
+}  // namespace
+
+Label_File labelFileOf(const Json_Node& root, const std::string& path) {
+    const Place place = {path, ""};
+    requireKind(place, root, Json_Node::Kind::Object, "the file");
+    checkKeys(place, root, {"format", "target", "structs", "labels"});
+    const Json_Entry& format = requireKey(place, root, "format");
+    if (format.value.kind != Json_Node::Kind::Integer || format.value.integer != 1) {
+        place.fail(format.line, "the format is not 1, the only one known");
+    }
+    Label_File file;
+    file.path = path;
+    readTarget(place, root, file);
+    if (const Json_Entry* structs = root.find("structs")) {
+        requireKind(place, structs->value, Json_Node::Kind::Object, "\"structs\"");
+        for (const Json_Entry& entry : structs->value.entries)
+            file.structs[entry.key] = readStruct(place, entry);
+    }
+    file.labels = readLabels(place, "label", "", requireKey(place, root, "labels"));
+    checkWhole(file, place);
+    return file;
+}
+
+Label_File parseLabelFile(const std::string& text, const std::string& path) {
+    return labelFileOf(parseJson(text, path), path);
+}
+
+Label_File readLabelFile(const std::string& path) { return parseLabels(wholeText(path), path); }
+
+bool isCsvName(const std::string& path) { return endsIn(lowered(path), ".csv"); }
+
+Label_File parseLabels(const std::string& text, const std::string& path) {
+    return isCsvName(path) ? parseLabelCsv(text, path) : parseLabelFile(text, path);
+}
+
+}  // namespace vornex

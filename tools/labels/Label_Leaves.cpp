@@ -1,0 +1,197 @@
+// The walk over every elementary element.
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <map>
+#include <set>
+
+#include "labels/Label_File.h"
+#include "text/Number.h"
+#include "text/Text.h"
+
+namespace vornex {
+namespace {
+
+// Steps the indexes to the next element, the last one fastest. False after the last element.
+bool nextElement(const Type_Ref& type, std::vector<int>& indexes) {
+    for (std::size_t d = indexes.size(); d-- > 0;) {
+        if (indexes[d] < type.bounds[d].high) {
+            ++indexes[d];
+            return true;
+        }
+        indexes[d] = type.bounds[d].low;
+    }
+    return false;
+}
+
+std::string indexGroup(const Type_Ref& type, const std::vector<int>& indexes) {
+    std::string text;
+    for (const int index : indexes) {
+        text += text.empty() ? '[' : ',';
+        text += indexText(index, type.radix);
+    }
+    return text.empty() ? text : text + "]";
+}
+
+// Row-major, from 0; a text that is not how the group is written names none.
+std::optional<std::uint64_t> elementNumber(const Type_Ref& type, const std::string& group) {
+    if (group.empty() || group.back() != ']') return std::nullopt;
+    const std::vector<std::string> texts = split(group.substr(1, group.size() - 2), ',');
+    if (texts.size() != type.bounds.size()) return std::nullopt;
+    std::vector<int> indexes;
+    std::uint64_t number = 0;
+    for (std::size_t d = 0; d < texts.size(); ++d) {
+        const Index_Bounds& bounds = type.bounds[d];
+        const std::optional<std::int64_t> index = indexNumber(texts[d], type.radix);
+        if (!index || *index < bounds.low || *index > bounds.high) return std::nullopt;
+        indexes.push_back(static_cast<int>(*index));
+        number = number * extentOf(bounds) + static_cast<std::uint64_t>(*index - bounds.low);
+    }
+    if (indexGroup(type, indexes) != group) return std::nullopt;
+    return number;
+}
+
+std::vector<int> indexesOf(const Type_Ref& type, std::uint64_t number) {
+    std::vector<int> indexes(type.bounds.size());
+    for (std::size_t d = indexes.size(); d-- > 0;) {
+        const Index_Bounds& bounds = type.bounds[d];
+        const std::uint64_t extent = extentOf(bounds);
+        indexes[d] = static_cast<int>(bounds.low + static_cast<std::int64_t>(number % extent));
+        number /= extent;
+    }
+    return indexes;
+}
+
+class Leaf_Walk {
+public:
+    Leaf_Walk(const Label_File& labelFile, const std::function<bool(const Leaf&)>& visitor,
+              const Leaf_Filter& leafFilter)
+        : file(labelFile), visit(visitor), filter(leafFilter) {}
+
+    // False when the visitor had enough.
+    bool walk(const Label& label, const std::string& prefix, std::uint32_t base) {
+        const std::string path = prefix + label.name;
+        if (!holdsWanted(label) || !mayLeadToText(path)) return true;
+        const std::optional<std::set<std::uint64_t>> chosen = chosenElements(label.type, path);
+        const std::uint32_t start = base + label.at;
+        if (!chosen) return elements(label, path, start, 0, std::numeric_limits<std::uint64_t>::max());
+        if (label.type.code != 12) {
+            const std::uint64_t reach = LongestValue / elementBytes(file, label.type);
+            return chosen->empty() || elements(label, path, start, *chosen->begin(), *std::prev(chosen->end()) + reach);
+        }
+        return std::all_of(chosen->begin(), chosen->end(),
+                           [&](std::uint64_t number) { return elements(label, path, start, number, number); });
+    }
+
+private:
+    // Without this a large array of a structure that holds nothing would be walked in vain, for minutes.
+    bool holdsWanted(const Label& label) {
+        if (label.type.code != 12) return !filter.definition || filter.definition(label);
+        const auto found = file.structs.find(label.type.structName);
+        if (found == file.structs.end()) return false;
+        const auto known = wantedIn.find(label.type.structName);
+        if (known != wantedIn.end()) return known->second;
+        const std::vector<Label>& members = found->second.members;
+        const bool some =
+            std::any_of(members.begin(), members.end(), [this](const Label& member) { return holdsWanted(member); });
+        return wantedIn[label.type.structName] = some;
+    }
+
+    static bool mayLeadTo(const Wanted_Text& wanted, const std::string& path) {
+        if (wanted.isBeginning) return path.compare(0, wanted.text.size(), wanted.text, 0, path.size()) == 0;
+        return leadsOnFrom(path, wanted.text) || leadsOnFrom(wanted.text, path);
+    }
+
+    bool mayLeadToText(const std::string& path) const {
+        return filter.texts.empty() || std::any_of(filter.texts.begin(), filter.texts.end(),
+                                                   [&path](const Wanted_Text& text) { return mayLeadTo(text, path); });
+    }
+
+    // The elements of the array at this path that the wanted texts name; nothing when one wants the whole of it.
+    std::optional<std::set<std::uint64_t>> chosenElements(const Type_Ref& type, const std::string& path) const {
+        if (filter.texts.empty() || type.bounds.empty()) return std::nullopt;
+        std::set<std::uint64_t> chosen;
+        for (const Wanted_Text& wanted : filter.texts) {
+            if (!mayLeadTo(wanted, path)) continue;
+            const std::string rest = wanted.text.substr(std::min(path.size(), wanted.text.size()));
+            const std::size_t end = rest.find(']');
+            if (rest.empty() || rest[0] != '[' || (wanted.isBeginning && end == std::string::npos)) return std::nullopt;
+            if (const auto number = elementNumber(type, rest.substr(0, end + 1))) chosen.insert(*number);
+        }
+        return chosen;
+    }
+
+    // The elements from the one number to the other, as far as there are any.
+    bool elements(const Label& label, const std::string& path, std::uint32_t start, std::uint64_t first,
+                  std::uint64_t last) {
+        const std::uint32_t step = elementBytes(file, label.type);
+        std::vector<int> indexes = indexesOf(label.type, first);
+        std::uint64_t number = first;
+        do {
+            const auto address = static_cast<std::uint32_t>(start + number * step);
+            if (!element(label, path + indexGroup(label.type, indexes), address, step)) return false;
+        } while (number++ < last && nextElement(label.type, indexes));
+        return true;
+    }
+
+    bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes) {
+        if (label.type.code != 12) {
+            return visit({text, &label, address, label.type.code, bytes, viewOf(label)});
+        }
+        const auto found = file.structs.find(label.type.structName);
+        if (found == file.structs.end() || !mayLeadToText(text)) return true;
+        for (const Label& member : found->second.members) {
+            if (!walk(member, text + ".", address)) return false;
+        }
+        return true;
+    }
+
+    const Label_File& file;
+    const std::function<bool(const Leaf&)>& visit;
+    const Leaf_Filter& filter;
+    std::map<std::string, bool> wantedIn;  // structures looked into so far
+};
+
+}  // namespace
+
+void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit, const Leaf_Filter& filter) {
+    Leaf_Walk walk(file, visit, filter);
+    for (const Label& label : file.labels) {
+        if (!walk.walk(label, "", 0)) return;
+    }
+}
+
+std::uint64_t elementsIn(const Label_File& file) {
+    std::map<std::string, std::uint64_t> ofStruct;
+    const std::function<std::uint64_t(const std::vector<Label>&)> sum = [&](const std::vector<Label>& labels) {
+        std::uint64_t elements = 0;
+        for (const Label& label : labels) {
+            const std::string& name = label.type.structName;
+            if (!name.empty() && !ofStruct.count(name)) ofStruct[name] = sum(file.structs.at(name).members);
+            elements += elementCount(label.type) * (name.empty() ? 1 : ofStruct[name]);
+        }
+        return elements;
+    };
+    return sum(file.labels);
+}
+
+bool leadsOnFrom(const std::string& path, const std::string& text) {
+    if (text.compare(0, path.size(), path) != 0) return false;
+    return text.size() == path.size() || text[path.size()] == '.' || text[path.size()] == '[';
+}
+
+std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text) {
+    Leaf_Filter filter;
+    filter.texts = {{text, false}};
+    std::optional<Leaf> found;
+    const auto take = [&](const Leaf& leaf) {
+        if (leaf.text == text) found = leaf;
+        return !found;
+    };
+    forEachLeaf(file, take, filter);
+    return found;
+}
+
+void refuseSoMany(const Label_File& file) { throw File_Error(file.path + ": more than a million elements"); }
+
+}  // namespace vornex

@@ -1,0 +1,39 @@
+// What every room does with texts: trim, split, align by the places that they take on a screen.
+#ifndef VORNEX_TEXT_TEXT_H
+#define VORNEX_TEXT_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace vornex {
+
+// Without blanks, tabs and carriage returns at both ends.
+std::string trimmed(const std::string& text);
+// The pieces between the separators, as they are; one piece when there is none.
+std::vector<std::string> split(const std::string& text, char separator);
+// The same, each without the blanks around it.
+std::vector<std::string> splitTrimmed(const std::string& text, char separator);
+
+// "a, b, c"
+std::string joined(const std::vector<std::string>& pieces, const char* between = ", ");
+
+bool endsIn(const std::string& text, const std::string& ending);
+// A to Z as a to z; everything else stays.
+std::string lowered(std::string text);
+
+// Bytes of the well-formed UTF-8 character at `at`: no overlong form, no surrogate, nothing beyond U+10FFFF. 0: none.
+std::size_t utf8Length(const std::string& text, std::size_t at);
+bool isUtf8(const std::string& text);
+
+// Columns that the text takes on a terminal: two for a wide East Asian character, none for a combining mark.
+std::size_t displayWidth(const std::string& text);
+// Filled with blanks up to so many columns; a text that takes more stays as it is.
+enum class Align { Left, Right };
+// What fits into so many columns; the end is then an ellipsis.
+std::string cutTo(const std::string& text, std::size_t columns);
+std::string padded(const std::string& text, std::size_t columns, Align align = Align::Left);
+
+}  // namespace vornex
+
+#endif

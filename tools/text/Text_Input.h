@@ -1,0 +1,18 @@
+// Text from files and from standard input. A device or a file of something else ends in an error, not in all memory.
+#ifndef VORNEX_TEXT_TEXT_INPUT_H
+#define VORNEX_TEXT_TEXT_INPUT_H
+
+#include <istream>
+#include <string>
+
+namespace vornex {
+
+// The whole file. Throws File_Error when it cannot be read or has more than 64 MiB.
+std::string wholeText(const std::string& path);
+// Takes the next line, without its end; false when there is none. Throws std::invalid_argument when it cannot be
+// read or has more than 128 MiB, room for a label file written in JSON.
+bool nextLine(std::istream& in, std::string& line);
+
+}  // namespace vornex
+
+#endif

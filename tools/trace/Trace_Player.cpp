@@ -1,0 +1,164 @@
+#include "trace/Trace_Player.h"
+
+#include <limits>
+#include <stdexcept>
+
+#include <nlohmann/json.hpp>
+
+#include "host/Driver_Labels.h"
+#include "host/Host_Settings.h"
+#include "host/link/Exchange.h"
+#include "text/Hex.h"
+#include "text/Text.h"
+#include "values/Keys.h"
+
+namespace vornex {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// A record of this tool stays below these: they keep a forged one from taking all memory.
+const int DeepestValue = 4;
+const std::int64_t MostValues = 8000000;          // in one line: a poll list has six for each of a million elements
+const std::int64_t MostRequests = 200000;         // that the elements of a poll list are too long for
+const std::int64_t MostUnits = LongestValue / 2;  // of one variable, in the host's counts
+
+// The whole number of a key or in a list. Throws std::invalid_argument when it is none or not from `low` to `high`.
+std::int64_t numberIn(const Json& value, const std::string& name, std::int64_t low, std::int64_t high) {
+    const bool fits =
+        value.is_number_unsigned()
+            ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
+            : value.is_number_integer();
+    if (fits && value.get<std::int64_t>() >= low && value.get<std::int64_t>() <= high) return value.get<std::int64_t>();
+    throw std::invalid_argument("\"" + name + "\" is not a whole number from " + std::to_string(low) + " to " +
+                                std::to_string(high));
+}
+
+int intOf(const Json& event, const Key& key, std::int64_t low = std::numeric_limits<int>::min(),
+          std::int64_t high = std::numeric_limits<int>::max()) {
+    return static_cast<int>(numberIn(event.at(key.name), key.name, low, high));
+}
+
+QString textOf(const Json& event, const Key& key) { return driverText(event.at(key.name).get<std::string>()); }
+
+std::string frameHex(const Protocol* protocol) {
+    if (!protocol) return "nothing to send";
+    return hexBytes(std::string(protocol->frame.constData(), static_cast<std::size_t>(protocol->frameLength)));
+}
+
+}  // namespace
+
+void Trace_Player::start(const Json& event) {
+    if (intOf(event, key::version) != RecordVersion) {
+        throw std::invalid_argument("a record of another version of the tool: this one reads version " +
+                                    std::to_string(RecordVersion));
+    }
+    setUpComInfo(comInfo, intOf(event, key::maxBytes, 1, LongestRequest), intOf(event, key::retries, 0, 1000));
+    driver.SetComInfo(&comInfo);
+    const std::string text = event.at(key::labelText.name);
+    if (!text.empty()) passLabels(driverLabels(parseLabels(text, event.at(key::labelFile.name))));
+    started = true;
+}
+
+void Trace_Player::memory(const Json& event) {
+    Label_Type_Info info;
+    info.name = MemoryLabel;
+    info.typeFlags = static_cast<quint16>(intOf(event, key::typeCode, 0, 65535));
+    info.address = static_cast<quint32>(
+        numberIn(event.at(key::address.name), key::address.name, 0, std::numeric_limits<quint32>::max()));
+    QList<Label_Type_Info> labels;
+    labels.append(info);
+    passLabels(labels);
+}
+
+void Trace_Player::poll(const Json& event) {
+    QList<HOST_VAR> definitions;
+    std::int64_t requests = 0;
+    for (const Json& label : event.at(key::definitions.name)) {
+        HOST_VAR variable;
+        variable.label = driverText(label.at(0).get<std::string>());
+        variable.labelIndex = driverText(label.at(1).get<std::string>());
+        variable.dataType = static_cast<quint8>(numberIn(label.at(2), key::definitions.name, 0, 255));
+        variable.count = static_cast<int>(numberIn(label.at(3), key::definitions.name, 0, MostUnits));
+        requests += std::int64_t(2) * variable.count / comInfo.maxBytesPerRequest;
+        if (requests > MostRequests) throw std::invalid_argument("\"definitions\" need more than 200000 requests");
+        definitions.append(variable);
+    }
+    driver.ReCreatReadVarList(&definitions);
+}
+
+void Trace_Player::read(const Json& event) {
+    RW_VAR request;
+    request.label = textOf(event, key::label);
+    request.labelIndex = textOf(event, key::index);
+    request.varType = request.dataType = intOf(event, key::typeCode);
+    request.varId = intOf(event, key::id);
+    request.length = intOf(event, key::bytes, 0, 2 * MostUnits);
+    driver.AddListOnceReadVar(&request);
+}
+
+void Trace_Player::write(const Json& event) {
+    const std::string bytes = bytesOfHex(event.at(key::data.name));
+    QByteArray data(bytes.data(), static_cast<int>(bytes.size()));
+    const int type = intOf(event, key::typeCode);
+    driver.SetRegisterData(textOf(event, key::label), type, textOf(event, key::index), 0, &data,
+                           intOf(event, key::count, 0, MostUnits), type, intOf(event, key::id));
+}
+
+void Trace_Player::frame(const Json& event) {
+    const std::string recorded = hexBytes(bytesOfHex(event.at(key::frame.name)));
+    const std::string now = frameHex(driver.ComCommunication());
+    if (recorded != now) throw Trace_Difference{"frame " + recorded, now};
+    ++frames;
+}
+
+void Trace_Player::idle() {
+    const Protocol* const protocol = driver.ComCommunication();
+    if (protocol) throw Trace_Difference{"nothing to send", "frame " + frameHex(protocol)};
+}
+
+void Trace_Player::reply(const Json& event) {
+    Exchange exchange;
+    exchange.transfer.reply = bytesOfHex(event.at(key::reply.name));
+    exchange.countsDiffer = event.at(key::countsDiffer.name);
+    QByteArray bytes;
+    int length = 0;
+    handOver(exchange, bytes, length);
+    const int recorded = intOf(event, key::status);
+    const int now = driver.DataCom(&bytes, length)->status;
+    if (recorded != now) throw Trace_Difference{"result " + std::to_string(recorded), "result " + std::to_string(now)};
+}
+
+void Trace_Player::playEvent(const Json& event) {
+    const std::string kind = event.at(key::event.name);
+    if (kind == "start") return start(event);
+    if (!started) throw std::invalid_argument("the record does not begin with its start");
+    if (kind == "frame") return frame(event);
+    if (kind == "reply") return reply(event);
+    if (kind == "idle") return idle();
+    if (kind == "link") return;
+    ++calls;
+    if (kind == "poll") return poll(event);
+    if (kind == "read") return read(event);
+    if (kind == "write") return write(event);
+    if (kind == "memory") return memory(event);
+    throw std::invalid_argument("unknown event '" + kind + "'");
+}
+
+void Trace_Player::play(const std::string& line) {
+    if (trimmed(line).empty()) return;
+    std::int64_t values = 0;
+    const auto checkSize = [&values](int depth, Json::parse_event_t, Json&) {
+        if (depth > DeepestValue) throw std::invalid_argument("values nest too deep");
+        if (++values > MostValues) throw std::invalid_argument("more than eight million values");
+        return true;
+    };
+    try {
+        playEvent(Json::parse(line, checkSize));
+    } catch (const Json::exception& mistake) {
+        throw std::invalid_argument(mistake.what());
+    }
+}
+
+}  // namespace vornex

@@ -1,0 +1,76 @@
+// The trace to be read: a line for each frame and reply with the labels it is about, then its bytes.
+#include "host/Statistics.h"
+#include "host/Status_Text.h"
+#include "labels/Label_Names.h"
+#include "text/Hex.h"
+#include "trace/Trace.h"
+#include "wire/Frame_Reader.h"
+
+namespace vornex {
+
+namespace {
+
+const char Indent[] = "                   ";
+const std::size_t BytesOfLine = 32;
+
+std::string byteLines(const std::string& bytes) {
+    std::string lines;
+    for (std::size_t at = 0; at < bytes.size(); at += BytesOfLine) {
+        lines += Indent + hexBytes(bytes.substr(at, BytesOfLine)) + "\n";
+    }
+    return lines;
+}
+
+class Text_Trace : public Trace {
+public:
+    Text_Trace(Trace_File file, const Host_Settings& settings, const Label_File& labels)
+        : out(std::move(file)), names(labels), target(targetOf(settings, labels)) {}
+
+    void frameGiven(const Exchange& exchange) override {
+        std::string line = timeText(exchange.sentAt) + "  > " + (exchange.request.isWrite ? "write" : "read");
+        if (exchange.attempt > 1) line += ", attempt " + std::to_string(exchange.attempt);
+        line += ", " + std::to_string(exchange.frame.size()) + " bytes:";
+        const char* separator = " ";
+        for (const Memory_Range& item : exchange.request.items) {
+            line += separator + std::to_string(item.address) + "+" + std::to_string(item.bytes) + " " +
+                    names.of(item.address, item.bytes);
+            separator = "; ";
+        }
+        out.write(line + "\n" + byteLines(exchange.frame));
+    }
+
+    void exchangeDone(const Exchange& exchange) override {
+        std::string line = timeText(exchange.repliedAt) + "  < " + std::to_string(exchange.transfer.reply.size()) +
+                           " of " + std::to_string(exchange.replyLength) + " bytes after " +
+                           millisecondsText(static_cast<std::uint32_t>(exchange.latency.count())) + ": ";
+        if (exchange.good())
+            line += "good";
+        else
+            line +=
+                exchange.fault() + "; " + (exchange.gaveUp() ? "given up: " + statusText(exchange.status) : "again");
+        const std::string& reply = exchange.transfer.reply;
+        if (hasHeader(reply)) line += ", header " + hexBytes(headerOf(reply));
+        out.write(line + "\n" + byteLines(reply));
+    }
+
+    void linkChanged(const Link_Change& change) override {
+        out.linkChanged(change);
+        std::string words = "connected to " + target;
+        if (change.state == Link_Change::State::Down) words = "connection dropped: " + change.reason;
+        if (change.state == Link_Change::State::StillDown) words = "cannot connect to " + target + ": " + change.reason;
+        out.write(timeText(change.at) + "  - " + words + "\n");
+    }
+
+private:
+    Trace_File out;
+    Label_Names names;
+    std::string target;
+};
+
+}  // namespace
+
+std::unique_ptr<Trace> openTextTrace(Trace_File file, const Host_Settings& settings, const Label_File& labels) {
+    return std::make_unique<Text_Trace>(std::move(file), settings, labels);
+}
+
+}  // namespace vornex

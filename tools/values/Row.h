@@ -1,0 +1,29 @@
+// One line of data: named values, as JSON or as cells.
+#ifndef VORNEX_VALUES_ROW_H
+#define VORNEX_VALUES_ROW_H
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "values/Keys.h"
+#include "values/Value.h"
+
+namespace vornex {
+
+// Named fields in the order of a line.
+class Row {
+public:
+    Row& add(const Key& key, Value value) {
+        fields.emplace_back(&key, std::move(value));
+        return *this;
+    }
+    std::vector<std::pair<const Key*, Value>> fields;
+};
+
+// {"name":value,...}
+std::string jsonObject(const Row& row);
+
+}  // namespace vornex
+
+#endif
