@@ -1,8 +1,7 @@
 // Check values and the data image: the driver's byte work, beside the straightforward way and the bare hash.
-#include <benchmark/benchmark.h>
+#include <memory>
 
-#include <vector>
-
+#include "Bench.h"
 #include "Scene.h"
 #include "Straightforward.h"
 #include "protocol/Check_Functions.h"
@@ -12,99 +11,94 @@ namespace {
 
 enum { GroupAddress = 0x10000 };
 
-std::vector<unsigned char> countingBytes(int64_t count) {
-    std::vector<unsigned char> bytes(static_cast<size_t>(count));
+typedef std::vector<unsigned char> Bytes;
+
+Bytes countingBytes(int count) {
+    Bytes bytes(static_cast<size_t>(count));
     for (size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<unsigned char>(i * 37);
     return bytes;
 }
 
-void checkDriver(benchmark::State& state) {
-    std::vector<unsigned char> bytes = countingBytes(state.range(0));
-    for (auto _ : state)
-        benchmark::DoNotOptimize(CalCRC(bytes.data(), static_cast<unsigned short>(bytes.size())));
+std::vector<Way> checkWays(int size) {
+    const auto bytes = std::make_shared<Bytes>(countingBytes(size));
+    const auto count = static_cast<unsigned short>(size);
+    const int times = 200000 / size;
+    return {{"driver", [=] { return perStep(times, [&] { keep(CalCRC(bytes->data(), count)); }); }},
+            {"256_entries", [=] { return perStep(times, [&] { keep(straightforward::crc(bytes->data(), count)); }); }}};
 }
 
-void checkPlain(benchmark::State& state) {
-    const std::vector<unsigned char> bytes = countingBytes(state.range(0));
-    for (auto _ : state)
-        benchmark::DoNotOptimize(straightforward::crc(bytes.data(), static_cast<unsigned short>(bytes.size())));
-}
-
-BENCHMARK(checkDriver)->Name("check/driver")->Arg(12)->Arg(256)->Arg(1012);
-BENCHMARK(checkPlain)->Name("check/256_entries")->Arg(12)->Arg(256)->Arg(1012);
-
-void storeDriver(benchmark::State& state) {
-    scene::reset();
-    scene::pollOneGroup();
-    QByteArray reply = scene::replyTo(*ComCommunication());
-    for (auto _ : state) {
-        const Mutex_Lock lock(PLC_driver.dataMutex);
-        SaveToLocalDataErea(&reply);
-    }
-}
-
-template <void Store(straightforward::Image&, unsigned int, const unsigned char*, int)>
-void storePlain(benchmark::State& state) {
-    straightforward::Image image;
-    const std::vector<unsigned char> bytes = countingBytes(scene::GroupBytes);
-    for (auto _ : state)
-        Store(image, GroupAddress, bytes.data(), scene::GroupBytes);
-}
-
-BENCHMARK(storeDriver)->Name("store_999/driver");
-BENCHMARK_TEMPLATE(storePlain, straightforward::store)->Name("store_999/two_lookups");
-BENCHMARK_TEMPLATE(storePlain, straightforward::storeAlone)->Name("store_999/hash_alone");
-
-void readDriver(benchmark::State& state) {
-    scene::reset();
-    scene::pollOneGroup();
-    QByteArray out;
-    const QString label = QLatin1String("Block[0]");
-    for (auto _ : state)
-        GetRegisterData(label, 0, QString(), 0, &out, scene::GroupBytes);
-}
-
-void readPlain(benchmark::State& state) {
-    straightforward::Image image;
-    for (auto _ : state)
-        benchmark::DoNotOptimize(straightforward::read(image, GroupAddress, scene::GroupBytes));
-}
-
-void readAlone(benchmark::State& state) {
-    straightforward::Image image;
-    QByteArray out(scene::GroupBytes, '\0');
-    for (auto _ : state) {
-        straightforward::readAlone(image, GroupAddress, out.data(), scene::GroupBytes);
-        benchmark::ClobberMemory();
-    }
-}
-
-BENCHMARK(readDriver)->Name("read_999/driver");
-BENCHMARK(readPlain)->Name("read_999/two_lookups");
-BENCHMARK(readAlone)->Name("read_999/hash_alone");
-
-// One whole exchange of a full group, without a socket.
-void exchangeDriver(benchmark::State& state) {
-    scene::reset();
-    scene::pollOneGroup();
-    QByteArray reply = scene::replyTo(*ComCommunication());
-    for (auto _ : state)
+// A driver with one full group polled, the reply to it in flight, and images of others that hold the same bytes.
+struct One_Group {
+    One_Group() : bytes(countingBytes(scene::GroupBytes)) {
+        scene::reset();
+        scene::pollOneGroup();
+        reply = scene::replyTo(*ComCommunication());
         scene::exchange(reply, 1);
-}
-
-// What an exchange would cost with a 256-entry table and two lookups for each byte, and nothing else.
-void exchangePlain(benchmark::State& state) {
-    straightforward::Image image;
-    std::vector<unsigned char> reply = countingBytes(scene::GroupBytes + 8);
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(straightforward::crc(reply.data(), 10));
-        benchmark::DoNotOptimize(straightforward::crc(reply.data(), static_cast<unsigned short>(reply.size() - 2)));
-        straightforward::store(image, GroupAddress, reply.data() + 6, scene::GroupBytes);
+        ComCommunication();
+        for (straightforward::Image* image : {&alone, &twice})
+            straightforward::storeAlone(*image, GroupAddress, bytes.data(), scene::GroupBytes);
     }
+
+    const Bytes bytes;
+    QByteArray reply;
+    straightforward::Image alone;
+    straightforward::Image twice;
+    QByteArray out = QByteArray(scene::GroupBytes, '\0');
+};
+
+enum { TimesInSlice = 100 };
+
+std::vector<Way> storeWays() {
+    const auto group = std::make_shared<One_Group>();
+    const auto driver = [=] {
+        const Mutex_Lock lock(PLC_driver.dataMutex);
+        SaveToLocalDataErea(&group->reply);
+    };
+    const auto alone = [=] {
+        straightforward::storeAlone(group->alone, GroupAddress, group->bytes.data(), scene::GroupBytes);
+    };
+    const auto twice = [=] {
+        straightforward::store(group->twice, GroupAddress, group->bytes.data(), scene::GroupBytes);
+    };
+    return {{"driver", [=] { return perStep(TimesInSlice, driver); }},
+            {"hash_alone", [=] { return perStep(TimesInSlice, alone); }},
+            {"two_lookups", [=] { return perStep(TimesInSlice, twice); }}};
 }
 
-BENCHMARK(exchangeDriver)->Name("exchange_999/driver");
-BENCHMARK(exchangePlain)->Name("exchange_999/two_lookups_and_256_entries");
+std::vector<Way> readWays() {
+    const auto group = std::make_shared<One_Group>();
+    const QString label = QString::fromLatin1("Block[0]");
+    const auto driver = [=] { GetRegisterData(label, 0, QString(), 0, &group->out, scene::GroupBytes); };
+    const auto alone = [=] {
+        straightforward::readAlone(group->alone, GroupAddress, group->out.data(), scene::GroupBytes);
+    };
+    const auto twice = [=] { keep(straightforward::read(group->twice, GroupAddress, scene::GroupBytes).constData()); };
+    return {{"driver", [=] { return perStep(TimesInSlice, driver); }},
+            {"hash_alone", [=] { return perStep(TimesInSlice, alone); }},
+            {"two_lookups", [=] { return perStep(TimesInSlice, twice); }}};
+}
+
+// One whole exchange of a full group, without a socket; the other way makes and checks nothing but the check values.
+std::vector<Way> exchangeWays() {
+    const auto group = std::make_shared<One_Group>();
+    const auto frame = std::make_shared<Bytes>(countingBytes(scene::GroupBytes + 8));
+    const auto driver = [=] { scene::exchange(group->reply, 1); };
+    const auto plain = [=] {
+        keep(straightforward::crc(frame->data(), 10));
+        keep(straightforward::crc(frame->data(), static_cast<unsigned short>(frame->size() - 2)));
+        straightforward::store(group->twice, GroupAddress, frame->data() + 6, scene::GroupBytes);
+    };
+    return {{"driver", [=] { return perStep(TimesInSlice, driver); }},
+            {"two_lookups_and_256_entries", [=] { return perStep(TimesInSlice, plain); }}};
+}
 
 }  // namespace
+
+void addImageGroups(Groups& groups) {
+    for (int size : {12, 256, 1012})
+        groups.push_back({"check/" + std::to_string(size), [=] { return checkWays(size); }});
+    groups.push_back({"store_999", storeWays});
+    groups.push_back({"read_999", readWays});
+    groups.push_back({"exchange_999", exchangeWays});
+}

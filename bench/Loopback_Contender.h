@@ -16,7 +16,10 @@ public:
 
 // Each connects to a server on this port of the loopback interface.
 std::unique_ptr<Contender> makeDriverHost(const char* library, int port);  // a host with the real library, by dlopen
-std::unique_ptr<Contender> makePingPong(int port);   // the floor: the same bytes to and fro, and nothing done with them
+std::unique_ptr<Contender> makePingPong(int port);  // the same bytes to and fro, and nothing done with them
+// The floor: the same bytes to and fro, with the check values of both frames, by the library's own function, and one
+// plain find in the image's hash for each byte. The image's type allows no less.
+std::unique_ptr<Contender> makeFloor(const char* library, int port);
 std::unique_ptr<Contender> makeModbus(int port);     // libmodbus, 125 registers
 std::unique_ptr<Contender> makeSerialBus(int port);  // Qt SerialBus, 125 registers
 

@@ -1,9 +1,10 @@
-// The host loop with the real library, loaded as a panel loads it, and the floor beneath it.
+// The host loop with the real library, loaded as a panel loads it, and what lies beneath it.
 #include <dlfcn.h>
 #include <unistd.h>
 
 #include "Loopback_Contender.h"
 #include "Loopback_Socket.h"
+#include "Straightforward.h"
 #include "vornex_label_tcp/Entry_Points.h"
 
 namespace {
@@ -85,7 +86,48 @@ private:
     const int socket_;
 };
 
+class Floor : public Contender {
+public:
+    Floor(const char* path, int port) : socket_(connectTo(port)) {
+        void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr) fail(dlerror());
+        check_ = reinterpret_cast<Check>(dlsym(library, "_Z6CalCRCPht"));
+        if (check_ == nullptr) fail("no entry point CalCRC");
+    }
+    ~Floor() override { close(socket_); }
+
+    int bytes() const override { return BlockBytes; }
+
+    void exchange(int times) override {
+        enum { CheckBytes = 2, ItemAt = 6 };
+        unsigned char request[RequestBytes] = {};
+        unsigned char reply[ReplyBytes];
+        for (int i = 0; i < times; ++i) {
+            const unsigned asked = check_(request, RequestBytes - CheckBytes);
+            request[RequestBytes - CheckBytes] = static_cast<unsigned char>(asked);
+            request[RequestBytes - 1] = static_cast<unsigned char>(asked >> 8);
+            sendAll(socket_, reinterpret_cast<const char*>(request), RequestBytes);
+            if (!receiveAll(socket_, reinterpret_cast<char*>(reply), ReplyBytes)) fail("closed");
+            const unsigned answered = check_(reply, ReplyBytes - CheckBytes);
+            if (answered != (reply[ReplyBytes - 2] | static_cast<unsigned>(reply[ReplyBytes - 1]) << 8))
+                fail("bad reply");
+            straightforward::storeAlone(image_, 0x1000, reply + ItemAt, BlockBytes);
+        }
+    }
+
+private:
+    typedef unsigned short (*Check)(unsigned char*, unsigned short);
+
+    const int socket_;
+    Check check_;
+    straightforward::Image image_;
+};
+
 }  // namespace
+
+std::unique_ptr<Contender> makeFloor(const char* library, int port) {
+    return std::unique_ptr<Contender>(new Floor(library, port));
+}
 
 std::unique_ptr<Contender> makeDriverHost(const char* library, int port) {
     return std::unique_ptr<Contender>(new Driver_Host(library, port));

@@ -64,17 +64,19 @@ bool receiveAll(int socket, char* bytes, int count) {
     return true;
 }
 
-int startPlainServer(const std::string& reply, bool echoesTransaction) {
+Plain_Server startPlainServer(const std::string& reply, bool echoesTransaction) {
     const int listener = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = loopback(0);
     socklen_t size = sizeof address;
     if (bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0 || listen(listener, 1) != 0 ||
         getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size) != 0)
         fail("listen");
-    if (fork() == 0) {
+    const int process = fork();
+    if (process < 0) fail("fork");
+    if (process == 0) {
         serve(listener, reply, echoesTransaction);
         _exit(0);
     }
     close(listener);
-    return ntohs(address.sin_port);
+    return {ntohs(address.sin_port), process};
 }

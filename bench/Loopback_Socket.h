@@ -14,7 +14,11 @@ bool receiveAll(int socket, char* bytes, int count);
 
 // A process that answers every request of `RequestBytes` bytes on one connection with the same prepared reply; for a
 // protocol with transaction numbers the request's first two bytes go into it. It computes nothing. Ends when the
-// connection does. Returns the port.
-int startPlainServer(const std::string& reply, bool echoesTransaction);
+// connection does.
+struct Plain_Server {
+    int port;
+    int process;
+};
+Plain_Server startPlainServer(const std::string& reply, bool echoesTransaction);
 
 #endif

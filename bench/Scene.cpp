@@ -45,7 +45,7 @@ Label_Type_Info structure(const char* name, unsigned address, unsigned size, con
 }
 
 QList<Label_Type_Info> shapes() {
-    const QList<int> many = QList<int>() << 10 << 0 << 128;
+    const QList<int> many = QList<int>() << 10 << 0 << static_cast<int>(ShapeElements);
     const QList<int> grid = QList<int>() << 10 << 0 << 4 << 0 << 3;
     const Label_Type_Info limits =
         structure("Limits", 8, 8, QList<Label_Type_Info>() << element("Low", 5, 0) << element("High", 5, 4));
@@ -56,6 +56,13 @@ QList<Label_Type_Info> shapes() {
                                         << element("Name", 3, 0) << array(structure("Drives", 4, 16, drive), grid);
     return QList<Label_Type_Info>() << array(structure("Motors", 500, 12, motor), many)
                                     << array(structure("Line", 4000, 200, line), many);
+}
+
+QList<Label_Type_Info> tagsFrom(unsigned address, int count, int step) {
+    QList<Label_Type_Info> labels;
+    for (int i = 0; i < count; ++i)
+        labels.append(element(tag(i).toLatin1(), 5, address + static_cast<unsigned>(i * step)));
+    return labels;
 }
 
 void emptyLists() {
@@ -78,11 +85,11 @@ ComInfo& reset(int maxBytesPerRequest) {
     settings.writeMode = 2;
     SetComInfo(&settings);
     emptyLists();
-    forgetResolved();
     {
         const Mutex_Lock lock(PLC_driver.labelMutex);
         PLC_driver.labelTable.clear();
     }
+    forgetResolved();  // after the table, whose size is what the cache is made ready for
     const Mutex_Lock lock(PLC_driver.dataMutex);
     PLC_driver.dataImage.clear();
     return settings;
@@ -90,10 +97,10 @@ ComInfo& reset(int maxBytesPerRequest) {
 
 QString tag(int number) { return QString::fromLatin1(PlainLabel).arg(number); }
 
+QList<Label_Type_Info> tags(int count) { return tagsFrom(0, count, TagStep); }
+
 void passTags(int count) {
-    QList<Label_Type_Info> labels;
-    for (int i = 0; i < count; ++i)
-        labels.append(element(tag(i).toLatin1(), 5, static_cast<unsigned>(i * TagStep)));
+    QList<Label_Type_Info> labels = tags(count);
     PassVarName_2(&labels);
 }
 
@@ -137,6 +144,40 @@ void pollOneGroup() {
     definitions << definition;
     settings.maxBytesPerRequest = GroupBytes;
     ReCreatReadVarList(&definitions);
+}
+
+QStringList pollArea(int bytes) {
+    enum { ValueBytes = 4 };
+    const int count = bytes / ValueBytes;
+    QList<Label_Type_Info> labels = tagsFrom(BlockAddress, count, ValueBytes);
+    PassVarName_2(&labels);
+    QList<HOST_VAR> definitions = scatteredTags(count);
+    ReCreatReadVarList(&definitions);
+    QStringList texts;
+    for (int i = 0; i < definitions.size(); ++i)
+        texts.append(definitions.at(i).label);
+    return texts;
+}
+
+QList<Poll_Reply> pollUntilItRepeats() {
+    QList<Poll_Reply> replies;
+    QByteArray first;
+    for (;;) {
+        const Protocol* const frame = ComCommunication();
+        if (frame == nullptr || frame->frame == first) break;
+        if (first.isEmpty()) first = frame->frame;
+        Poll_Reply reply = {replyTo(*frame), 0};
+        const int items =
+            (frame->frameLength - frame_layout::HeaderSize - frame_layout::CheckSize) / frame_layout::RangeSize;
+        reply.polled = frame->payloadLength - items * frame_layout::CountSize;
+        DataCom(&reply.bytes, reply.bytes.size());
+        replies.append(reply);
+    }
+    if (replies.isEmpty()) return replies;
+    // The first frame is in flight again; its reply completes it, and the second one is the next.
+    DataCom(&replies.first().bytes, replies.first().bytes.size());
+    replies.append(replies.takeFirst());
+    return replies;
 }
 
 QByteArray replyTo(const Protocol& frame) {

@@ -116,13 +116,22 @@ QByteArray read(Image& image, unsigned int address, int count) {
 }
 
 void storeAlone(Image& image, unsigned int address, const unsigned char* bytes, int count) {
-    for (int i = 0; i < count; ++i)
-        image[address + static_cast<unsigned>(i)] = bytes[i];
+    image.detach();
+    const Image& known = image;
+    for (int i = 0; i < count; ++i, ++address) {
+        const Image::const_iterator found = known.constFind(address);
+        if (found == known.constEnd())
+            image.insert(address, bytes[i]);
+        else
+            const_cast<unsigned char&>(*found) = bytes[i];
+    }
 }
 
-void readAlone(Image& image, unsigned int address, char* bytes, int count) {
-    for (int i = 0; i < count; ++i)
-        bytes[i] = static_cast<char>(image[address + static_cast<unsigned>(i)]);
+void readAlone(const Image& image, unsigned int address, char* bytes, int count) {
+    for (int i = 0; i < count; ++i, ++address) {
+        const Image::const_iterator found = image.constFind(address);
+        bytes[i] = found == image.constEnd() ? '\0' : static_cast<char>(*found);
+    }
 }
 
 void Labels::pass(const QList<Label_Type_Info>& labels) {

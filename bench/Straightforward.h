@@ -19,9 +19,9 @@ unsigned short crc(const unsigned char* bytes, unsigned short count);
 void store(Image& image, unsigned int address, const unsigned char* bytes, int count);
 QByteArray read(Image& image, unsigned int address, int count);
 
-// The least that the image's type allows: one lookup for each byte and nothing else.
+// The least that the image's type allows: one plain find for each byte and nothing else.
 void storeAlone(Image& image, unsigned int address, const unsigned char* bytes, int count);
-void readAlone(Image& image, unsigned int address, char* bytes, int count);
+void readAlone(const Image& image, unsigned int address, char* bytes, int count);
 
 // Label resolution: ask the cache, fetch from the cache; split, copy each definition that is passed, recurse.
 class Labels {
