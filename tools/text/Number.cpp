@@ -108,15 +108,20 @@ std::optional<int> compareNumbers(const std::string& a, const std::string& b) {
     return order(*x, *y);
 }
 
-// Six digits before an exponent takes their place, as %g has it: 100000, not 1e+05.
+// As %g has it, whole numbers of up to six digits without an exponent: 100000, not 1e+05. But a precision given to
+// to_chars rounds the exact number, which is not always the shortest text: at some powers of two it is the neighbour's.
 template <class Float>
 std::string shortestNumber(Float number) {
     char text[48];
     char* const room = text + sizeof text;
     char* end = std::to_chars(text, room, number, std::chars_format::scientific).ptr;
-    const auto digits = std::count_if(text, std::find(text, end, 'e'), [](char c) { return c >= '0' && c <= '9'; });
-    const int precision = std::max(6, static_cast<int>(digits));
-    end = std::to_chars(text, room, number, std::chars_format::general, precision).ptr;
+    const char* const mark = std::find(text, end, 'e');
+    if (mark == end) return std::string(text, end);  // inf, nan
+    const auto digits = std::count_if<const char*>(text, mark, [](char c) { return c >= '0' && c <= '9'; });
+    int exponent = 0;
+    std::from_chars(mark + (mark[1] == '+' ? 2 : 1), end, exponent);
+    const bool isFixed = exponent >= -4 && exponent < std::max(6, static_cast<int>(digits));
+    if (isFixed) end = std::to_chars(text, room, number, std::chars_format::fixed).ptr;
     return std::string(text, end);
 }
 
