@@ -1,6 +1,7 @@
 // What the link to the controller does when the peer, the network or this machine misbehaves.
 #include <signal.h>
 
+#include <atomic>
 #include <future>
 #include <map>
 #include <string>
@@ -177,6 +178,40 @@ TEST(Link, aByteThatNobodyAskedForEndsTheConnection) {
             if (line.find("1 byte came that nobody asked for: 58") != std::string::npos) kill(process, SIGINT);
         });
     EXPECT_EQ(outcome.code, 130) << outcome.text;
+}
+
+// The reply to a request of the list before says nothing about the new one.
+TEST(Link, aRoundIsOfTheListThatIsPolled) {
+    struct Rounds : Exchange_Observer {
+        void frameGiven(const Exchange&) override {
+            if (!givenOnce.exchange(true)) given.set_value();
+        }
+        void roundDone(int) override {
+            if (isNew && !doneOnce.exchange(true)) done.set_value(session->freshness(address, 2));
+        }
+        std::atomic<bool> givenOnce{false}, doneOnce{false}, isNew{false};
+        std::promise<void> given;
+        std::promise<Freshness> done;
+        Session* session = nullptr;
+        std::uint32_t address = 0;
+    };
+    Sim_Process sim({"-l", PLANT, "-q", "--fault", "stall(300)@n=1"});  // the first reply comes after the new list
+    const Driver_Library driver(LIBRARY);
+    Host_Settings settings;
+    settings.target = "127.0.0.1:" + std::to_string(sim.port());
+    const Label_File labels = readLabelFile(PLANT);
+    Rounds rounds;
+    Session session(driver, settings, labels);
+    rounds.session = &session;
+    rounds.address = session.resolve("Setpoint", 0).value();
+    session.addObserver(rounds);
+    session.connect();
+    session.poll({{"Speed", 0, 3, 2}}, {Milliseconds(0)});
+    rounds.given.get_future().wait();
+    rounds.isNew = true;
+    session.poll({{"Setpoint", 0, 3, 2}}, {Milliseconds(0)});
+    EXPECT_EQ(rounds.done.get_future().get(), Freshness::Fresh);
+    session.stop();
 }
 
 // What the driver's full queue drops leaves no sign, and a cyclic list never leaves the driver with nothing to send.

@@ -140,8 +140,9 @@ int Session::poll(const std::vector<Label_Range>& ranges, const Poll_Plan& plan)
         requests = library.ReCreatReadVarList(&definitions);
         for (Call_Observer* observer : callObservers)
             observer->pollSet(definitions);
+        exchange->pace(requests, plan);
     }
-    exchange->pace(requests, plan);
+    exchange->wake();
     return requests;
 }
 

@@ -22,6 +22,7 @@ struct Exchange {
     std::string frame;
     Request request;
     bool cyclic = false;  // of the cyclic list, else a write or one-shot read
+    int plan = 0;         // of how many, by which the cyclic list was polled when the frame was given
     int replyLength = 0;  // that the driver expects
     Transfer transfer;
     bool countsDiffer = false;  // complete and the check value right, but other items than asked for: not handed on

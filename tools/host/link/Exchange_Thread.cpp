@@ -103,6 +103,7 @@ bool Exchange_Thread::nextFrame(Exchange& exchange) {
     attempts = exchange.frame == lastFrame ? attempts + 1 : 1;
     lastFrame = exchange.frame;
     exchange.attempt = attempts;
+    exchange.plan = currentPlan();
     exchange.sentAt = std::chrono::system_clock::now();
     tell([&exchange](Exchange_Observer& observer) { observer.frameGiven(exchange); });
     return true;
@@ -168,6 +169,7 @@ void Exchange_Thread::countRound(const Exchange& exchange) {
     int done = 0;
     {
         const std::lock_guard<std::mutex> lock(paceMutex);
+        if (exchange.plan != plans) return;
         roundServed += static_cast<int>(exchange.request.items.size());
         if (roundServed < roundEntries) return;
         roundServed = 0;
@@ -177,6 +179,11 @@ void Exchange_Thread::countRound(const Exchange& exchange) {
         goesOn ? beginRound() : waitForTaker();
     }
     tell([done](Exchange_Observer& observer) { observer.roundDone(done); });
+}
+
+int Exchange_Thread::currentPlan() {
+    const std::lock_guard<std::mutex> lock(paceMutex);
+    return plans;
 }
 
 void Exchange_Thread::beginRound() { roundStart = nextRound = std::max(roundStart + roundPlan.interval, now()); }
@@ -192,14 +199,12 @@ void Exchange_Thread::roundTaken() {
 }
 
 void Exchange_Thread::pace(int cyclicEntries, const Poll_Plan& plan) {
-    {
-        const std::lock_guard<std::mutex> lock(paceMutex);
-        roundEntries = cyclicEntries;
-        roundServed = rounds = 0;
-        roundPlan = plan;
-        roundStart = nextRound = now();
-    }
-    wake();
+    const std::lock_guard<std::mutex> lock(paceMutex);
+    ++plans;
+    roundEntries = cyclicEntries;
+    roundServed = rounds = 0;
+    roundPlan = plan;
+    roundStart = nextRound = now();
 }
 
 // A connection on which a frame may be sent; without one, the reason.

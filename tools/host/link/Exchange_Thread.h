@@ -55,8 +55,8 @@ public:
 
     // Any thread: something was queued.
     void wake() { waiting.wake(); }
-    // Any thread, after the cyclic list was rebuilt: its entries, and the least time from one round's start to the
-    // next one's. Rounds count from 0 again.
+    // Any thread, under sequence() with the rebuild of the cyclic list: its entries, and how they are polled. Rounds
+    // count from 0 again; a request of the list before that is still under way is in none of them. wake() follows.
     void pace(int cyclicEntries, const Poll_Plan& plan);
     // Any thread: the next round may begin, when rounds are taken one by one.
     void roundTaken();
@@ -84,6 +84,7 @@ private:
     void handBack(Exchange& exchange);
     void conclude(const Exchange& exchange);
     void countRound(const Exchange& exchange);
+    int currentPlan();
     void beginRound();
     void waitForTaker();
     void dropLink(const Link_Fault& fault);
@@ -111,6 +112,7 @@ private:
     Milliseconds backOffTime{0};
 
     std::mutex paceMutex;  // guards the following
+    int plans = 0;         // that pace() has set
     int roundEntries = 0;
     int roundServed = 0;
     int rounds = 0;
