@@ -31,7 +31,7 @@ TEST(Value_Codec, showsWhatCanBeTypedAgain) {
         {View::U64, "FF FF FF FF FF FF 1F 00", "9007199254740991", "9007199254740991"},
         {View::F32, "CD CC CC 3D", "0.1", "0.1"},
         {View::F32, "00 00 00 80", "-0", "0"},
-        {View::F32, "01 00 00 00", "1.4013e-45", "1.4013e-45"},
+        {View::F32, "01 00 00 00", "1e-45", "1e-45"},
         {View::F32, "00 00 80 FF", "-inf", R"("-inf")"},
         {View::F32, "00 00 C0 7F", "nan", R"("nan")"},
         {View::F32, "01 00 A0 FF", "nan(0xFFA00001)", R"_("nan(0xFFA00001)")_"},
