@@ -56,26 +56,6 @@ void Driver_Library::open(const std::string& file) {
 
 void* Driver_Library::symbol(const char* name) const { return dlsym(handle, name); }
 
-// One list for binding and for naming: the slots are filled in place, their types come from Entry_Points.h.
-#define VORNEX_EACH_ENTRY_POINT(DO) \
-    DO(SetComInfo)                  \
-    DO(RegistCallBackFuncIntf)      \
-    DO(FlashLocalRegister)          \
-    DO(EnableEthernet)              \
-    DO(EnCommStation)               \
-    DO(QueryFinishFlag)             \
-    DO(PLCAddressChangeIntef)       \
-    DO(PassVarName_2)               \
-    DO(AddListWriteVar)             \
-    DO(AddListReadVar)              \
-    DO(AddListOnceReadVar)          \
-    DO(ReCreatReadVarList)          \
-    DO(ComCommunication)            \
-    DO(DataCom)                     \
-    DO(GetRegisterData)             \
-    DO(SetRegisterData)             \
-    DO(customMessageHandler)
-
 std::vector<std::string> Driver_Library::entryPointNames() {
 #define VORNEX_NAME(name) #name,
     return {VORNEX_EACH_ENTRY_POINT(VORNEX_NAME)};

@@ -9,25 +9,31 @@
 
 namespace vornex {
 
-// The entry points, with the contracts of Entry_Points.h.
+// Every entry point, for what is declared, bound and told of each.
+#define VORNEX_EACH_ENTRY_POINT(DO) \
+    DO(SetComInfo)                  \
+    DO(RegistCallBackFuncIntf)      \
+    DO(FlashLocalRegister)          \
+    DO(EnableEthernet)              \
+    DO(EnCommStation)               \
+    DO(QueryFinishFlag)             \
+    DO(PLCAddressChangeIntef)       \
+    DO(PassVarName_2)               \
+    DO(AddListWriteVar)             \
+    DO(AddListReadVar)              \
+    DO(AddListOnceReadVar)          \
+    DO(ReCreatReadVarList)          \
+    DO(ComCommunication)            \
+    DO(DataCom)                     \
+    DO(GetRegisterData)             \
+    DO(SetRegisterData)             \
+    DO(customMessageHandler)
+
+// The entry points, with types and contracts of Entry_Points.h.
 struct Driver_Entry_Points {
-    decltype(&::SetComInfo) SetComInfo = nullptr;
-    decltype(&::RegistCallBackFuncIntf) RegistCallBackFuncIntf = nullptr;
-    decltype(&::FlashLocalRegister) FlashLocalRegister = nullptr;
-    decltype(&::EnableEthernet) EnableEthernet = nullptr;
-    decltype(&::EnCommStation) EnCommStation = nullptr;
-    decltype(&::QueryFinishFlag) QueryFinishFlag = nullptr;
-    decltype(&::PLCAddressChangeIntef) PLCAddressChangeIntef = nullptr;
-    decltype(&::PassVarName_2) PassVarName_2 = nullptr;
-    decltype(&::AddListWriteVar) AddListWriteVar = nullptr;
-    decltype(&::AddListReadVar) AddListReadVar = nullptr;
-    decltype(&::AddListOnceReadVar) AddListOnceReadVar = nullptr;
-    decltype(&::ReCreatReadVarList) ReCreatReadVarList = nullptr;
-    decltype(&::ComCommunication) ComCommunication = nullptr;
-    decltype(&::DataCom) DataCom = nullptr;
-    decltype(&::GetRegisterData) GetRegisterData = nullptr;
-    decltype(&::SetRegisterData) SetRegisterData = nullptr;
-    decltype(&::customMessageHandler) customMessageHandler = nullptr;
+#define VORNEX_SLOT(name) decltype(&::name) name = nullptr;
+    VORNEX_EACH_ENTRY_POINT(VORNEX_SLOT)
+#undef VORNEX_SLOT
 };
 
 // Loaded once and never unloaded: the driver is one global object, and its threads of use end with the process.
