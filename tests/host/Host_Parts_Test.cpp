@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "host/Known_Bytes.h"
-#include "host/Status_Text.h"
 #include "host/Variable_Value.h"
 #include "host/link/Completions.h"
+#include "host/link/Exchange.h"
 #include "labels/Label_Names.h"
 #include "text/Hex.h"
 #include "values/Named_Values.h"

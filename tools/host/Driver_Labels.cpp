@@ -38,7 +38,7 @@ const Label_Type_Info& Definitions::structType(const std::string& name) {
     if (known != structTypes.end()) return known->second;
     const Struct_Type& type = file.structs.at(name);
     Label_Type_Info info;
-    info.name = QString::fromUtf8(name.c_str());
+    info.name = driverText(name);
     info.typeFlags = static_cast<quint16>(StructTypeCode | LabelIsStructType);
     info.address = type.size;
     info.memberCount = static_cast<quint32>(type.members.size());
@@ -49,7 +49,7 @@ const Label_Type_Info& Definitions::structType(const std::string& name) {
 
 Label_Type_Info Definitions::of(const Label& label) {
     Label_Type_Info info;
-    info.name = QString::fromUtf8(label.name.c_str());
+    info.name = driverText(label.name);
     info.typeFlags = static_cast<quint16>(label.type.code);
     info.address = label.at;
     if (!label.type.bounds.empty()) {
@@ -67,7 +67,19 @@ const char MemoryLabel[] = "@memory";
 
 QString driverText(const std::string& text) { return QString::fromUtf8(text.data(), static_cast<int>(text.size())); }
 
-int hostCount(int code, std::uint32_t bytes) { return static_cast<int>(code >= 3 && code <= 9 ? bytes / 2 : bytes); }
+int hostCount(const Label_Range& range) {
+    return static_cast<int>(range.code >= 3 && range.code <= 9 ? range.bytes / 2 : range.bytes);
+}
+
+QList<Label_Type_Info> memoryLabel(std::uint32_t address, int code) {
+    Label_Type_Info info;
+    info.name = MemoryLabel;
+    info.typeFlags = static_cast<quint16>(code);
+    info.address = address;
+    QList<Label_Type_Info> labels;
+    labels.append(info);
+    return labels;
+}
 
 void setUpComInfo(ComInfo& comInfo, int maxBytes, int retries) {
     comInfo.maxBytesPerRequest = maxBytes;

@@ -16,52 +16,49 @@ HOST_VAR hostVariable(const Label_Range& range) {
     variable.dataType = static_cast<quint8>(range.code);
     variable.labelIndex = QString::number(range.index);
     variable.label = driverText(range.label);
-    variable.count = hostCount(range.code, range.bytes);
+    variable.count = hostCount(range);
     return variable;
 }
 
-}  // namespace
-
-Session::Session(const Driver_Library& driverLibrary, const Host_Settings& hostSettings, const Label_File& labelFile)
-    : host(hostSettings), library(driverLibrary), targetText(targetOf(hostSettings, labelFile)) {
-    findTarget();
-    setUpComInfo(comInfo, host.maxBytes, host.retries);
-    library.SetComInfo(&comInfo);
-    library.RegistCallBackFuncIntf(&Session::notify, nullptr);
-    QList<Label_Type_Info> labels = driverLabels(labelFile);
-    library.PassVarName_2(&labels);
-    exchange = std::make_unique<Exchange_Thread>(library, settings, completions, known);
-    runningSession = this;
-}
-
-Session::~Session() {
-    exchange->stop();
-    runningSession = nullptr;
-}
-
-void Session::findTarget() {
-    settings.timeout = Milliseconds(host.timeoutMs);
-    settings.settle = Milliseconds(host.settleMs);
-    if (targetText.empty()) return;  // connect() says so
+// Of no target nothing: connect() says so.
+Host_Port addressOf(const std::string& target) {
     try {
-        settings.target = parseHostPort(targetText);
+        return target.empty() ? Host_Port() : parseHostPort(target);
     } catch (const std::invalid_argument& refusal) {
         throw Host_Error(Host_Error::Kind::Settings, std::string("target ") + refusal.what());
     }
 }
 
-void Session::addObserver(Exchange_Observer& observer) { exchange->addObserver(observer); }
+}  // namespace
+
+Session::Session(const Driver_Library& driverLibrary, const Host_Settings& hostSettings, const Label_File& labelFile)
+    : host(hostSettings),
+      library(driverLibrary),
+      targetText(targetOf(hostSettings, labelFile)),
+      exchange(library, host, addressOf(targetText)) {
+    setUpComInfo(comInfo, host.maxBytes, host.retries);
+    library.SetComInfo(&comInfo);
+    library.RegistCallBackFuncIntf(&Session::notify, nullptr);
+    QList<Label_Type_Info> labels = driverLabels(labelFile);
+    library.PassVarName_2(&labels);
+    runningSession = this;
+}
+
+Session::~Session() {
+    exchange.stop();
+    runningSession = nullptr;
+}
 
 void Session::connect(First_Connection first) {
     if (targetText.empty()) {
         throw Host_Error(Host_Error::Kind::Settings,
                          "no target: neither the settings nor the label file name one as HOST:PORT");
     }
-    const std::string reason = exchange->connect();
-    if (exchange->interrupted()) throw Host_Error(Host_Error::Kind::Interrupted, "interrupted");
+    const std::string reason = exchange.connect();
+    if (exchange.interrupted()) throw Host_Error(Host_Error::Kind::Interrupted, "interrupted");
     if (!reason.empty() && first == First_Connection::Needed)
         throw Host_Error(Host_Error::Kind::NoConnection, "no connection to " + targetText + ": " + reason);
-    exchange->start();
+    exchange.start();
 }
 
 // A read of no bytes resolves the label into the record and queues nothing.
@@ -76,57 +73,46 @@ std::optional<std::uint32_t> Session::resolve(const std::string& label, int inde
 }
 
 void Session::setMemoryLabel(std::uint32_t address, int code) {
-    Label_Type_Info info;
-    info.name = MemoryLabel;
-    info.typeFlags = static_cast<quint16>(code);
-    info.address = address;
-    QList<Label_Type_Info> labels;
-    labels.append(info);
-    const std::lock_guard<std::mutex> lock(exchange->sequence());
+    QList<Label_Type_Info> labels = memoryLabel(address, code);
+    const std::lock_guard<std::mutex> lock(exchange.sequence());
     library.PassVarName_2(&labels);
-    for (Call_Observer* observer : callObservers)
-        observer->memoryLabelSet(info);
+    exchange.tell([&](Exchange_Observer& observer) { observer.memoryLabelSet(address, code); });
 }
 
 int Session::startRead(const Label_Range& range) {
+    const int ticket = exchange.completions.open();
     RW_VAR request;
     request.varType = range.code;
-    request.varId = completions.open();
+    request.varId = ticket;
     request.label = driverText(range.label);
     request.labelIndex = QString::number(range.index);
     request.dataType = range.code;
     request.areaId = comInfo.localAreaId;
     request.length = static_cast<int>(range.bytes);
-    const int ticket = request.varId;
     {
-        const std::lock_guard<std::mutex> lock(exchange->sequence());
-        const RW_VAR asGiven = request;
+        const std::lock_guard<std::mutex> lock(exchange.sequence());
         if (library.AddListOnceReadVar(&request) == 0) {
-            completions.forget(ticket);
+            exchange.completions.forget(ticket);
             throw Host_Error(Host_Error::Kind::Label, "label '" + range.label + "' does not resolve");
         }
-        for (Call_Observer* observer : callObservers)
-            observer->readQueued(asGiven);
-        completions.queued(ticket);
+        exchange.tell([&](Exchange_Observer& observer) { observer.readQueued(range, ticket); });
+        exchange.completions.queued(ticket);
     }
-    exchange->wake();
+    exchange.wake();
     return ticket;
 }
 
 int Session::startWrite(const Label_Range& range, const std::string& data) {
-    const int ticket = completions.open();
-    const int count = hostCount(range.code, range.bytes);
+    const int ticket = exchange.completions.open();
     QByteArray value(data.data(), static_cast<int>(data.size()));
     {
-        const std::lock_guard<std::mutex> lock(exchange->sequence());
-        library.SetRegisterData(driverText(range.label), range.code, QString::number(range.index), 0, &value, count,
-                                range.code, ticket);
-        for (Call_Observer* observer : callObservers) {
-            observer->writeQueued(range.label, range.index, data, count, range.code, ticket);
-        }
-        completions.queued(ticket);
+        const std::lock_guard<std::mutex> lock(exchange.sequence());
+        library.SetRegisterData(driverText(range.label), range.code, QString::number(range.index), 0, &value,
+                                hostCount(range), range.code, ticket);
+        exchange.tell([&](Exchange_Observer& observer) { observer.writeQueued(range, data, ticket); });
+        exchange.completions.queued(ticket);
     }
-    exchange->wake();
+    exchange.wake();
     return ticket;
 }
 
@@ -136,26 +122,25 @@ int Session::poll(const std::vector<Label_Range>& ranges, const Poll_Plan& plan)
         definitions.append(hostVariable(range));
     int requests = 0;
     {
-        const std::lock_guard<std::mutex> lock(exchange->sequence());
+        const std::lock_guard<std::mutex> lock(exchange.sequence());
         requests = library.ReCreatReadVarList(&definitions);
-        for (Call_Observer* observer : callObservers)
-            observer->pollSet(definitions);
-        exchange->pace(requests, plan);
+        exchange.tell([&](Exchange_Observer& observer) { observer.pollSet(ranges); });
+        exchange.pace(requests, plan);
     }
-    exchange->wake();
+    exchange.wake();
     return requests;
 }
 
 std::string Session::bytes(const Label_Range& range) const {
     QByteArray bytes;
     library.GetRegisterData(driverText(range.label), range.code, QString::number(range.index), 0, &bytes,
-                            hostCount(range.code, range.bytes));
+                            hostCount(range));
     return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
 // Runs inside DataCom on the exchange thread, under the driver's lock: it only records.
-void Session::notify(int, int varType, int varId, int state) {
-    if (runningSession) runningSession->exchange->notified(varType, varId, state);
+void Session::notify(int, int, int varId, int state) {
+    if (runningSession) runningSession->exchange.notified(varId, state);
 }
 
 }  // namespace vornex

@@ -2,36 +2,15 @@
 #ifndef VORNEX_HOST_SESSION_H
 #define VORNEX_HOST_SESSION_H
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "host/Driver_Labels.h"
 #include "host/Host_Error.h"
-#include "host/Host_Settings.h"
 #include "host/link/Exchange_Thread.h"
 
 namespace vornex {
-
-// The host's calls into the driver, in their order; a trace writes them down so that a replay can repeat them.
-class Call_Observer {
-public:
-    virtual ~Call_Observer() = default;
-    virtual void readQueued(const RW_VAR& request) = 0;
-    virtual void writeQueued(const std::string& label, int index, const std::string& data, int count, int varType,
-                             int varId) = 0;
-    virtual void pollSet(const QList<HOST_VAR>& definitions) = 0;
-    virtual void memoryLabelSet(const Label_Type_Info& label) = 0;
-};
-
-// A run of bytes behind a label, in the terms of the driver's entry points.
-struct Label_Range {
-    std::string label;  // as the driver resolves it, templates included
-    int index = 0;      // for a template
-    int code = 0;       // type code of its element
-    std::uint32_t bytes = 0;
-};
 
 // What a host does that finds no controller at its start.
 enum class First_Connection {
@@ -48,8 +27,7 @@ public:
     ~Session();
 
     // Before connect().
-    void addObserver(Exchange_Observer& observer);
-    void addCallObserver(Call_Observer& observer) { callObservers.push_back(&observer); }
+    void addObserver(Exchange_Observer& observer) { exchange.addObserver(observer); }
     // Connects and starts the exchange. Throws Host_Error Settings (no target), NoConnection or Interrupted.
     void connect(First_Connection first = First_Connection::Needed);
 
@@ -62,39 +40,36 @@ public:
     int startRead(const Label_Range& range);
     // `data` in the host's layout, see SetRegisterData.
     int startWrite(const Label_Range& range, const std::string& data);
-    Completion wait(int ticket) { return completions.wait(ticket); }
+    Completion wait(int ticket) { return exchange.completions.wait(ticket); }
 
     // Polls these from now on, as planned. Returns the requests of one round after packing; 0: nothing to poll.
     int poll(const std::vector<Label_Range>& ranges, const Poll_Plan& plan);
     // After a round of a plan that takes them one by one.
-    void roundTaken() { exchange->roundTaken(); }
+    void roundTaken() { exchange.roundTaken(); }
 
     // The bytes in the driver's image, and what they are worth.
     std::string bytes(const Label_Range& range) const;
-    Freshness freshness(std::uint32_t address, std::uint32_t length) const { return known.of(address, length); }
+    Freshness freshness(std::uint32_t address, std::uint32_t length) const {
+        return exchange.known.of(address, length);
+    }
 
     // Ends the exchange; observers hear no more.
-    void stop() { exchange->stop(); }
+    void stop() { exchange.stop(); }
     // Any thread: ends every wait, also those in connect() and wait(), and the exchange.
-    void interrupt() { exchange->interrupt(); }
-    bool interrupted() const { return exchange && exchange->interrupted(); }
+    void interrupt() { exchange.interrupt(); }
+    bool interrupted() const { return exchange.interrupted(); }
     int maxBytes() const { return host.maxBytes; }
     const std::string& target() const { return targetText; }
     const Driver_Library& driver() const { return library; }
 
 private:
     static void notify(int hostHandle, int varType, int varId, int state);
-    void findTarget();
 
     const Host_Settings& host;
     const Driver_Library& library;
     const std::string targetText;
-    Exchange_Settings settings;
     ComInfo comInfo;
-    Completions completions;
-    Known_Bytes known;
-    std::vector<Call_Observer*> callObservers;
-    std::unique_ptr<Exchange_Thread> exchange;
+    Exchange_Thread exchange;
 };
 
 }  // namespace vornex

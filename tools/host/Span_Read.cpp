@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <deque>
 
-#include "host/Status_Text.h"
-
 namespace vornex {
 
 namespace {

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "host/Status_Text.h"
-
 namespace vornex {
 
 namespace {

@@ -21,11 +21,10 @@ Online::Online(Tool& userTool, Loss_Told lossTold)
     session.addObserver(statistics);
     session.addObserver(linkWords);
     for (const std::string& file : tool.options.traces) {
-        traces.push_back(openTrace(
-            file, tool.outputPolicy(), [this](const Output_Error& error) { tool.outputFailed(error); },
-            tool.options.host, tool.labelsIfAny()));
+        const Trace_Place place = {file, tool.outputPolicy(),
+                                   [this](const Output_Error& error) { tool.outputFailed(error); }};
+        traces.push_back(openTrace(place, tool.options.host, tool.labelsIfAny()));
         session.addObserver(*traces.back());
-        session.addCallObserver(*traces.back());
     }
 }
 

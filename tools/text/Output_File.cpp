@@ -97,23 +97,6 @@ Output_File::Output_File(const std::string& path, const Output_Policy& outputPol
 Output_File::Output_File(int descriptor, std::string standardName)
     : shownName(std::move(standardName)), fd(descriptor), standard(true) {}
 
-Output_File::Output_File(Output_File&& other) noexcept
-    : shownName(std::move(other.shownName)),
-      target(std::move(other.target)),
-      beside(std::exchange(other.beside, {})),
-      policy(std::move(other.policy)),
-      fd(std::exchange(other.fd, -1)),
-      standard(other.standard),
-      regular(other.regular),
-      takesNameAtEnd(other.takesNameAtEnd),
-      failed(other.failed),
-      buffer(std::move(other.buffer)),
-      sent(other.sent),
-      oldFirstLine(std::move(other.oldFirstLine)),
-      torn(other.torn),
-      size(other.size),
-      lines(other.lines) {}
-
 Output_File::~Output_File() {
     if (fd >= 0 && !standard) ::close(fd);
     if (!beside.empty()) unlink(beside.c_str());

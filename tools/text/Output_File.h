@@ -40,8 +40,8 @@ public:
     static Output_File standardOutput() { return Output_File(1, "standard output"); }
     static Output_File standardError() { return Output_File(2, "standard error"); }
     ~Output_File();
-    Output_File(Output_File&& other) noexcept;
-    Output_File& operator=(Output_File&&) = delete;
+    Output_File(const Output_File&) = delete;
+    Output_File& operator=(const Output_File&) = delete;
 
     // Keeps the text; what is much goes out. These three throw Output_Error Failed or ReaderGone. A regular file then
     // ends with its last complete line, and the object takes nothing more.

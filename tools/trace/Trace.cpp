@@ -1,17 +1,15 @@
 #include "trace/Trace.h"
 
-#include <utility>
-
 #include "text/Text.h"
 
 namespace vornex {
 
-Trace_File::Trace_File(const std::string& name, const Output_Policy& policy, Output_Failure onFailure)
-    : file(name == "-" ? Output_File::standardError() : Output_File(name, policy)),
-      failed(std::move(onFailure)),
-      live(name == "-") {}
+Trace::Trace(const Trace_Place& place)
+    : file(place.name == "-" ? Output_File::standardError() : Output_File(place.name, place.policy)),
+      failed(place.failed),
+      live(place.name == "-") {}
 
-void Trace_File::write(const std::string& text) {
+void Trace::write(const std::string& text) {
     if (over) return;
     try {
         file.write(text);
@@ -22,26 +20,25 @@ void Trace_File::write(const std::string& text) {
     }
 }
 
-void Trace_File::linkChanged(const Link_Change& change) {
+void Trace::linkChanged(const Link_Change& change) {
     if (change.state != Link_Change::State::Up) return;
     live = true;
     write("");
 }
 
-std::unique_ptr<Trace> openTrace(const std::string& name, const Output_Policy& policy, const Output_Failure& onFailure,
-                                 const Host_Settings& settings, const Label_File& labels) {
+std::unique_ptr<Trace> openTrace(const Trace_Place& place, const Host_Settings& settings, const Label_File& labels) {
+    const std::string& name = place.name;
     const bool isRecord = endsIn(name, ".jsonl");
     if (!isRecord && name != "-" && !endsIn(name, ".hex") && !endsIn(name, ".txt") && name.rfind("/dev/", 0) != 0) {
         throw Output_Error(Output_Error::Kind::Unusable,
                            name + ": a trace ends in .txt (to be read), .jsonl (for replay) or .hex (for text2pcap)");
     }
-    if (isRecord && policy.existing == Existing_File::Append) {
+    if (isRecord && place.policy.existing == Existing_File::Append) {
         throw Output_Error(Output_Error::Kind::Unusable, name + ": a record for replay cannot be continued");
     }
-    Trace_File file(name, policy, onFailure);
-    if (isRecord) return openReplayTrace(std::move(file), settings, labels);
-    if (endsIn(name, ".hex")) return openHexTrace(std::move(file));
-    return openTextTrace(std::move(file), settings, labels);
+    if (isRecord) return openReplayTrace(place, settings, labels);
+    if (endsIn(name, ".hex")) return openHexTrace(place);
+    return openTextTrace(place, settings, labels);
 }
 
 }  // namespace vornex

@@ -9,7 +9,7 @@ namespace {
 
 class Hex_Trace : public Trace {
 public:
-    explicit Hex_Trace(Trace_File file) : out(std::move(file)) {}
+    using Trace::Trace;
 
     // Only what was on the wire: a frame that found no connection is not.
     void exchangeDone(const Exchange& exchange) override {
@@ -18,22 +18,18 @@ public:
         if (!exchange.transfer.reply.empty()) packet('I', exchange.repliedAt, exchange.transfer.reply);
     }
 
-    void linkChanged(const Link_Change& change) override { out.linkChanged(change); }
-
 private:
     void packet(char direction, Wall_Time time, const std::string& bytes) {
         std::string text = std::string(1, direction) + " " + timeText(time, Fraction::Micro) + "\n";
         for (std::size_t at = 0; at < bytes.size(); at += 16) {
             text += hexDigits(at, 6) + " " + hexBytes(bytes.substr(at, 16)) + "\n";
         }
-        out.write(text + "\n");
+        write(text + "\n");
     }
-
-    Trace_File out;
 };
 
 }  // namespace
 
-std::unique_ptr<Trace> openHexTrace(Trace_File file) { return std::make_unique<Hex_Trace>(std::move(file)); }
+std::unique_ptr<Trace> openHexTrace(const Trace_Place& place) { return std::make_unique<Hex_Trace>(place); }
 
 }  // namespace vornex

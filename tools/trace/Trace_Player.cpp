@@ -62,14 +62,9 @@ void Trace_Player::start(const Json& event) {
 }
 
 void Trace_Player::memory(const Json& event) {
-    Label_Type_Info info;
-    info.name = MemoryLabel;
-    info.typeFlags = static_cast<quint16>(intOf(event, key::typeCode, 0, 65535));
-    info.address = static_cast<quint32>(
-        numberIn(event.at(key::address.name), key::address.name, 0, std::numeric_limits<quint32>::max()));
-    QList<Label_Type_Info> labels;
-    labels.append(info);
-    passLabels(labels);
+    const std::int64_t address =
+        numberIn(event.at(key::address.name), key::address.name, 0, std::numeric_limits<quint32>::max());
+    passLabels(memoryLabel(static_cast<quint32>(address), intOf(event, key::typeCode, 0, 65535)));
 }
 
 void Trace_Player::poll(const Json& event) {

@@ -1,9 +1,9 @@
 // The trace for replay: one JSON object a line, with everything that the driver was told and what it answered.
-#include "trace/Trace.h"
-#include "trace/Trace_Player.h"
-
+#include "host/Driver_Labels.h"
 #include "text/Hex.h"
 #include "text/Text_Input.h"
+#include "trace/Trace.h"
+#include "trace/Trace_Player.h"
 #include "values/Row.h"
 #include "wire/Frame_Reader.h"
 
@@ -11,16 +11,10 @@ namespace vornex {
 
 namespace {
 
-std::string hostText(const QString& text) {
-    const QByteArray bytes = text.toUtf8();
-    return std::string(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-}
-
 class Replay_Trace : public Trace {
 public:
-    Replay_Trace(Trace_File traceFile, const Host_Settings& settings, const Label_File& file)
-        : out(std::move(traceFile)) {
-        const std::string& labels = file.path;
+    Replay_Trace(const Trace_Place& place, const Host_Settings& settings, const Label_File& labelFile) : Trace(place) {
+        const std::string& labels = labelFile.path;
         put(Row()
                 .add(key::event, "start")
                 .add(key::version, RecordVersion)
@@ -30,42 +24,37 @@ public:
                 .add(key::retries, settings.retries));
     }
 
-    void readQueued(const RW_VAR& request) override {
+    void readQueued(const Label_Range& range, int id) override {
         put(Row()
                 .add(key::event, "read")
-                .add(key::label, hostText(request.label))
-                .add(key::index, hostText(request.labelIndex))
-                .add(key::typeCode, request.varType)
-                .add(key::id, request.varId)
-                .add(key::bytes, request.length));
+                .add(key::label, range.label)
+                .add(key::index, std::to_string(range.index))
+                .add(key::typeCode, range.code)
+                .add(key::id, id)
+                .add(key::bytes, range.bytes));
     }
 
-    void writeQueued(const std::string& label, int index, const std::string& data, int count, int varType,
-                     int varId) override {
+    void writeQueued(const Label_Range& range, const std::string& data, int id) override {
         put(Row()
                 .add(key::event, "write")
-                .add(key::label, label)
-                .add(key::index, std::to_string(index))
-                .add(key::typeCode, varType)
-                .add(key::id, varId)
-                .add(key::count, count)
+                .add(key::label, range.label)
+                .add(key::index, std::to_string(range.index))
+                .add(key::typeCode, range.code)
+                .add(key::id, id)
+                .add(key::count, hostCount(range))
                 .add(key::data, hexBytes(data, "")));
     }
 
-    void pollSet(const QList<HOST_VAR>& definitions) override {
+    void pollSet(const std::vector<Label_Range>& ranges) override {
         std::vector<Value> list;
-        for (const HOST_VAR& variable : definitions) {
-            list.push_back(std::vector<Value>{hostText(variable.label), hostText(variable.labelIndex),
-                                              static_cast<int>(variable.dataType), variable.count});
+        for (const Label_Range& range : ranges) {
+            list.push_back(std::vector<Value>{range.label, std::to_string(range.index), range.code, hostCount(range)});
         }
         put(Row().add(key::event, "poll").add(key::definitions, list));
     }
 
-    void memoryLabelSet(const Label_Type_Info& label) override {
-        put(Row()
-                .add(key::event, "memory")
-                .add(key::address, label.address)
-                .add(key::typeCode, static_cast<int>(label.typeFlags)));
+    void memoryLabelSet(std::uint32_t address, int code) override {
+        put(Row().add(key::event, "memory").add(key::address, address).add(key::typeCode, code));
     }
 
     void frameGiven(const Exchange& exchange) override {
@@ -91,7 +80,7 @@ public:
     void nothingToSend() override { put(Row().add(key::event, "idle")); }
 
     void linkChanged(const Link_Change& change) override {
-        out.linkChanged(change);
+        Trace::linkChanged(change);
         const char* const states[] = {"up", "down", "still down"};
         put(Row()
                 .add(key::event, "link")
@@ -101,15 +90,14 @@ public:
     }
 
 private:
-    void put(const Row& row) { out.write(jsonObject(row) + "\n"); }
-
-    Trace_File out;
+    void put(const Row& row) { write(jsonObject(row) + "\n"); }
 };
 
 }  // namespace
 
-std::unique_ptr<Trace> openReplayTrace(Trace_File file, const Host_Settings& settings, const Label_File& labels) {
-    return std::make_unique<Replay_Trace>(std::move(file), settings, labels);
+std::unique_ptr<Trace> openReplayTrace(const Trace_Place& place, const Host_Settings& settings,
+                                       const Label_File& labels) {
+    return std::make_unique<Replay_Trace>(place, settings, labels);
 }
 
 }  // namespace vornex

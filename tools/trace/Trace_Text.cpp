@@ -1,6 +1,5 @@
 // The trace to be read: a line for each frame and reply with the labels it is about, then its bytes.
 #include "host/Statistics.h"
-#include "host/Status_Text.h"
 #include "labels/Label_Names.h"
 #include "text/Hex.h"
 #include "trace/Trace.h"
@@ -23,8 +22,8 @@ std::string byteLines(const std::string& bytes) {
 
 class Text_Trace : public Trace {
 public:
-    Text_Trace(Trace_File file, const Host_Settings& settings, const Label_File& labels)
-        : out(std::move(file)), names(labels), target(targetOf(settings, labels)) {}
+    Text_Trace(const Trace_Place& place, const Host_Settings& settings, const Label_File& labels)
+        : Trace(place), names(labels), target(targetOf(settings, labels)) {}
 
     void frameGiven(const Exchange& exchange) override {
         std::string line = timeText(exchange.sentAt) + "  > " + (exchange.request.isWrite ? "write" : "read");
@@ -36,7 +35,7 @@ public:
                     names.of(item.address, item.bytes);
             separator = "; ";
         }
-        out.write(line + "\n" + byteLines(exchange.frame));
+        write(line + "\n" + byteLines(exchange.frame));
     }
 
     void exchangeDone(const Exchange& exchange) override {
@@ -50,27 +49,27 @@ public:
                 exchange.fault() + "; " + (exchange.gaveUp() ? "given up: " + statusText(exchange.status) : "again");
         const std::string& reply = exchange.transfer.reply;
         if (hasHeader(reply)) line += ", header " + hexBytes(headerOf(reply));
-        out.write(line + "\n" + byteLines(reply));
+        write(line + "\n" + byteLines(reply));
     }
 
     void linkChanged(const Link_Change& change) override {
-        out.linkChanged(change);
+        Trace::linkChanged(change);
         std::string words = "connected to " + target;
         if (change.state == Link_Change::State::Down) words = "connection dropped: " + change.reason;
         if (change.state == Link_Change::State::StillDown) words = "cannot connect to " + target + ": " + change.reason;
-        out.write(timeText(change.at) + "  - " + words + "\n");
+        write(timeText(change.at) + "  - " + words + "\n");
     }
 
 private:
-    Trace_File out;
     Label_Names names;
     std::string target;
 };
 
 }  // namespace
 
-std::unique_ptr<Trace> openTextTrace(Trace_File file, const Host_Settings& settings, const Label_File& labels) {
-    return std::make_unique<Text_Trace>(std::move(file), settings, labels);
+std::unique_ptr<Trace> openTextTrace(const Trace_Place& place, const Host_Settings& settings,
+                                     const Label_File& labels) {
+    return std::make_unique<Text_Trace>(place, settings, labels);
 }
 
 }  // namespace vornex

@@ -19,10 +19,11 @@ Steady_Time now() { return std::chrono::steady_clock::now(); }
 
 }  // namespace
 
-Exchange_Thread::Exchange_Thread(const Driver_Library& library, const Exchange_Settings& exchangeSettings,
-                                 Completions& hostCompletions, Known_Bytes& knownBytes)
-    : driver(library), settings(exchangeSettings), completions(hostCompletions), known(knownBytes), link(waiting) {
-    completions.allowSilence(2 * settings.timeout + settings.settle + LongestBackOff + SilenceMargin);
+Exchange_Thread::Exchange_Thread(const Driver_Library& library, const Host_Settings& hostSettings,
+                                 const Host_Port& controller)
+    : driver(library), settings(hostSettings), target(controller), link(waiting) {
+    const Milliseconds step(2 * settings.timeoutMs + settings.settleMs);
+    completions.allowSilence(step + LongestBackOff + SilenceMargin);
 }
 
 Exchange_Thread::~Exchange_Thread() { stop(); }
@@ -115,7 +116,7 @@ void Exchange_Thread::serve(Exchange& exchange) {
         const Steady_Time sent = now();
         const std::size_t expected = static_cast<std::size_t>(std::max(exchange.replyLength, 0));
         exchange.sentAt = std::chrono::system_clock::now();
-        exchange.transfer = link.exchange(exchange.frame, expected, settings.timeout);
+        exchange.transfer = link.exchange(exchange.frame, expected, Milliseconds(settings.timeoutMs));
         exchange.latency = std::chrono::duration_cast<std::chrono::microseconds>(now() - sent);
     }
     if (waiting.stopped()) return;  // what was cut short is nobody's failure
@@ -135,10 +136,7 @@ void Exchange_Thread::handBack(Exchange& exchange) {
     handOver(exchange, reply, length);
     const std::lock_guard<std::mutex> lock(sequenceMutex);
     notices.clear();
-    const RW_VAR* result = driver.DataCom(&reply, length);
-    exchange.status = result->status;
-    exchange.varType = result->varType;
-    exchange.varId = result->varId;
+    exchange.status = driver.DataCom(&reply, length)->status;
     if (exchange.status != 0) lastFrame.clear();  // finished: the same frame later is a new one
     tell([&exchange](Exchange_Observer& observer) { observer.exchangeDone(exchange); });
 }
@@ -176,7 +174,10 @@ void Exchange_Thread::countRound(const Exchange& exchange) {
         if (!everConnected) return beginRound();  // nothing was polled yet
         done = ++rounds;
         const bool goesOn = !roundPlan.oneByOne && (roundPlan.rounds == 0 || done < roundPlan.rounds);
-        goesOn ? beginRound() : waitForTaker();
+        if (goesOn)
+            beginRound();
+        else
+            nextRound = Steady_Time::max();  // until roundTaken(), or for good
     }
     tell([done](Exchange_Observer& observer) { observer.roundDone(done); });
 }
@@ -187,8 +188,6 @@ int Exchange_Thread::currentPlan() {
 }
 
 void Exchange_Thread::beginRound() { roundStart = nextRound = std::max(roundStart + roundPlan.interval, now()); }
-
-void Exchange_Thread::waitForTaker() { nextRound = Steady_Time::max(); }
 
 void Exchange_Thread::roundTaken() {
     {
@@ -215,7 +214,7 @@ Link_Fault Exchange_Thread::readyLink() {
         dropLink(fault);
     }
     if (!backOff()) return {"interrupted"};
-    Link_Fault fault = link.open(settings.target, settings.timeout, settings.settle);
+    Link_Fault fault = link.open(target, Milliseconds(settings.timeoutMs), Milliseconds(settings.settleMs));
     if (!waiting.stopped()) tellLink(fault ? Link_Change::State::StillDown : Link_Change::State::Up, fault);
     return fault;
 }
@@ -238,11 +237,7 @@ void Exchange_Thread::dropLink(const Link_Fault& fault) {
 
 void Exchange_Thread::tellLink(Link_Change::State state, const Link_Fault& fault) {
     everConnected = everConnected || state == Link_Change::State::Up;
-    Link_Change change;
-    change.state = state;
-    change.at = std::chrono::system_clock::now();
-    change.reason = fault.reason;
-    change.unasked = fault.unasked;
+    const Link_Change change = {fault, state, std::chrono::system_clock::now()};
     tell([&change](Exchange_Observer& observer) { observer.linkChanged(change); });
 }
 

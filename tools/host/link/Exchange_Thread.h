@@ -18,17 +18,12 @@
 #include <vector>
 
 #include "host/Driver_Library.h"
+#include "host/Host_Settings.h"
 #include "host/Known_Bytes.h"
 #include "host/link/Completions.h"
 #include "host/link/Exchange.h"
 
 namespace vornex {
-
-struct Exchange_Settings {
-    Host_Port target;
-    Milliseconds timeout{1000};
-    Milliseconds settle{20};
-};
 
 // How the cyclic list is polled.
 struct Poll_Plan {
@@ -39,8 +34,8 @@ struct Poll_Plan {
 
 class Exchange_Thread {
 public:
-    Exchange_Thread(const Driver_Library& library, const Exchange_Settings& exchangeSettings,
-                    Completions& hostCompletions, Known_Bytes& knownBytes);
+    // The first two have to outlive it.
+    Exchange_Thread(const Driver_Library& library, const Host_Settings& hostSettings, const Host_Port& controller);
     ~Exchange_Thread();
 
     // Before start(). Observers live as long as the thread.
@@ -61,15 +56,19 @@ public:
     // Any thread: the next round may begin, when rounds are taken one by one.
     void roundTaken();
     // The driver's notify callback, on this thread.
-    void notified(int varType, int varId, int state) { notices.push_back({varType, varId, state}); }
+    void notified(int varId, int state) { notices.push_back({varId, state}); }
+    void tell(const std::function<void(Exchange_Observer&)>& what);
 
-    // Held while the driver gives a frame or takes a reply. Who queues requests under it gives a trace a true order.
+    // Held while the driver gives a frame or takes a reply. Who queues a request and tells of it holds it too:
+    // observers then hear of both in the order in which the driver has them.
     std::mutex& sequence() { return sequenceMutex; }
     bool interrupted() const { return interruptSeen; }
 
+    Completions completions;
+    Known_Bytes known;
+
 private:
     struct Notice {
-        int varType;
         int varId;
         int state;
     };
@@ -86,15 +85,12 @@ private:
     void countRound(const Exchange& exchange);
     int currentPlan();
     void beginRound();
-    void waitForTaker();
     void dropLink(const Link_Fault& fault);
     void tellLink(Link_Change::State state, const Link_Fault& fault);
-    void tell(const std::function<void(Exchange_Observer&)>& what);
 
     const Driver_Library& driver;
-    const Exchange_Settings settings;
-    Completions& completions;
-    Known_Bytes& known;
+    const Host_Settings& settings;
+    const Host_Port target;
 
     Wait_Point waiting;
     std::atomic<bool> interruptSeen{false};

@@ -3,7 +3,6 @@
 #include <memory>
 #include <optional>
 
-#include "host/Status_Text.h"
 #include "host/Variables.h"
 #include "label/Online.h"
 #include "label/verbs/Verb_Table.h"

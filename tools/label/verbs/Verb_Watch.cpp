@@ -3,7 +3,6 @@
 #include <memory>
 #include <stdexcept>
 
-#include "host/Status_Text.h"
 #include "host/Variable_Value.h"
 #include "label/Online.h"
 #include "label/Watch_View.h"
