@@ -24,13 +24,25 @@ const char ExitCodes[] =
     "130  interrupted by Ctrl-C\n"
     "141  nobody reads the output any more\n";
 
+const char DefaultsHelp[] =
+    "What the command line leaves out is taken from VORNEX_LABELS and\n"
+    "VORNEX_TARGET, then from vornex.toml in the present folder or one above it,\n"
+    "or else in $XDG_CONFIG_HOME/vornex or ~/.config/vornex:\n"
+    "  labels = \"plant.json\"\n"
+    "  target = \"press3\"\n"
+    "  [controllers.press3]\n"
+    "  target = \"10.0.0.3:2000\"\n"
+    "  timeout = 3000\n"
+    "A section may set labels, settle, retries and max-bytes too. The verb config\n"
+    "tells what counts.\n";
+
 const Page ToolPage = {
     "Labels of a controller, read, written and watched through the driver",
     "Loads the driver library as a panel does, resolves labels through it and talks to one controller. Data goes to "
     "standard output as text, JSON lines or CSV, messages go to standard error. Every verb has its own --help with "
     "examples.",
     {},
-    {{"Exit codes", ExitCodes}}};
+    {{"Defaults", DefaultsHelp}, {"Exit codes", ExitCodes}}};
 
 // Scripts rely on the exit codes, other hosts do not know them.
 Exit_Code exitCodeOf(Host_Error::Kind kind) {
@@ -72,6 +84,8 @@ Exit_Code guarded(Tool& tool, const std::function<Exit_Code()>& work) {
         return tellAndEnd(tool, std::string(error.what()) + ways, exitCodeOf(error.kind));
     } catch (const File_Error& mistake) {
         return tellAndEnd(tool, mistake.what(), Exit_Code::Label);
+    } catch (const Settings_Error& mistake) {
+        return tellAndEnd(tool, mistake.what(), Exit_Code::Usage);
     }
 }
 
@@ -86,21 +100,49 @@ int runVerb(const Verbs& verbs) {
     return static_cast<int>(code == Exit_Code::Ok ? ended : code);
 }
 
-// The completion of labels. A file that cannot be read offers none: this is no place for messages.
-std::optional<Offered_Words> labelWords(const Word_Request& request) {
+// The label file that a run of the line would take; empty: none.
+std::string labelFileOf(const Word_Request& request, const Defaults& defaults) {
+    const auto given = [&request](const char* option) {
+        const auto found = request.given.find(option);
+        return found == request.given.end() ? std::string() : found->second;
+    };
+    const std::string typed = given("--labels");
+    if (!typed.empty()) return typed;
+    const std::string target = given("--target");
+    const std::string controller = target.empty() ? defaults.find("target").value_or(Setting()).value : target;
+    return defaults.find("labels", controller).value_or(Setting()).value;
+}
+
+// The completion of labels and of controllers' names. A file that cannot be read offers none: this is no place for
+// messages.
+std::optional<Offered_Words> ownWords(const Word_Request& request) {
     static const std::set<std::string> whole = {"LABEL", "GLOB", "ADDRESS"}, begun = {"ASSIGNMENT", "CONDITION"};
-    if (!whole.count(request.value) && !begun.count(request.value)) return std::nullopt;
+    const bool isTarget = request.value == "TARGET";
+    if (!whole.count(request.value) && !begun.count(request.value) && !isTarget) return std::nullopt;
     Offered_Words offered;
-    const auto file = request.given.find("--labels");
-    std::error_code error;
-    if (file == request.given.end() || !std::filesystem::is_regular_file(file->second, error)) return offered;
     try {
-        const Label_Continuation next = continueLabel(readLabelFile(file->second), request.beginning);
+        const Defaults defaults;
+        for (const auto& [name, settings] : defaults.controllers())
+            offered.words.push_back(name);
+        if (isTarget) return offered;
+        offered.words.clear();
+        const std::string file = labelFileOf(request, defaults);
+        std::error_code error;
+        if (!std::filesystem::is_regular_file(file, error)) return offered;
+        const Label_Continuation next = continueLabel(readLabelFile(file), request.beginning);
         offered.words = next.texts;
         offered.isWhole = next.isWhole && whole.count(request.value) > 0;
+    } catch (const Settings_Error&) {
     } catch (const File_Error&) {
     }
     return offered;
+}
+
+void takeDefaults(Verbs& verbs, Output& out) {
+    const Defaults defaults;
+    for (const std::string& warning : defaults.warnings())
+        out.warn(warning);
+    verbs.options.settings = applyDefaults(*verbs.program, defaults, settingNames());
 }
 
 }  // namespace
@@ -124,7 +166,8 @@ int runTool(int argc, char** argv) {
     std::optional<int> end;
     Tool before{Common_Options()};
     const Exit_Code code = guarded(before, [&] {
-        end = parseCommandLine(*verbs.program, argc, argv, labelWords);
+        end = parseCommandLine(*verbs.program, argc, argv, ownWords);
+        if (!end) takeDefaults(verbs, before.out);
         return Exit_Code::Ok;
     });
     if (code != Exit_Code::Ok) return static_cast<int>(code);

@@ -11,8 +11,8 @@ namespace {
 
 void addLinkOptions(CLI::App& app, Common_Options& values) {
     startGroup(app, "Link options");
-    addText(app, "-t,--target", "HOST:PORT", values.host.target,
-            "The controller; without it the label file's \"target\".");
+    addText(app, "-t,--target", "TARGET", values.host.target,
+            "The controller: HOST:PORT, or a name of vornex.toml; without it the label file's \"target\".");
     addNumber(app, "-T,--timeout", "MS", values.host.timeoutMs, 1, 600000,
               "How long a reply or a connection may take.");
     addNumber(app, "--settle", "MS", values.host.settleMs, 0, 10000,

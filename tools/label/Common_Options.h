@@ -5,11 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/Defaults.h"
 #include "host/Host_Settings.h"
-
-namespace CLI {
-class App;
-}
 
 namespace vornex {
 
@@ -26,6 +23,7 @@ struct Common_Options {
     std::string times = "absolute";
     bool quiet = false;
     bool verbose = false;
+    Named_Settings settings;  // of these, what is not built in
 };
 
 // What a verb works with, and so which options it takes beside those of the output. A verb with a link needs them all.

@@ -19,7 +19,8 @@ Tool::Tool(const Common_Options& commonOptions)
 
 const Label_File& Tool::labels() {
     if (labelFile) return *labelFile;
-    if (options.labelFile.empty()) throw Tool_Error(Exit_Code::Usage, "no label file: name one with -l FILE");
+    if (options.labelFile.empty())
+        throw Tool_Error(Exit_Code::Usage, "no label file: name one with -l FILE, VORNEX_LABELS or vornex.toml");
     labelFile = std::make_unique<Label_File>(readLabelFile(options.labelFile));
     out.detail("label file " + options.labelFile + ": " + std::to_string(labelFile->labels.size()) + " labels");
     return *labelFile;

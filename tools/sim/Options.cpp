@@ -3,6 +3,7 @@
 #include <iostream>
 #include <limits>
 
+#include "cli/Defaults.h"
 #include "cli/Options.h"
 #include "cli/Program.h"
 #include "sim/Control.h"
@@ -79,6 +80,14 @@ void addOutput(CLI::App& app, Options& options) {
     addDocumentFlags(app);
 }
 
+// The label file alone: a controller's address, time-outs and retries are a host's.
+void takeDefaults(CLI::App& app) {
+    const Defaults defaults;
+    for (const std::string& warning : defaults.warnings())
+        std::cerr << "vornex-sim: warning: " << warning << "\n";
+    applyDefaults(app, defaults, {"labels"});
+}
+
 }  // namespace
 
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
@@ -88,6 +97,7 @@ std::optional<int> readOptions(int argc, char** argv, Options& options) {
     addCaps(*app, options);
     addOutput(*app, options);
     if (const std::optional<int> code = parseCommandLine(*app, argc, argv)) return code;
+    if (options.pattern.empty()) takeDefaults(*app);
     if (!options.labels.empty() || !options.pattern.empty()) return std::nullopt;
     std::cerr << "vornex-sim: --labels or --pattern is required; see --help\n";
     return int(Exit_Code::Usage);

@@ -45,6 +45,10 @@ inline constexpr Key severity{"severity", "error or warning"};
 inline constexpr Key rule{"rule", "name of the lint rule, or text of the fault rule"};
 inline constexpr Key subject{"subject", "the label, member or structure that is meant"};
 
+// Settings
+inline constexpr Key setting{"setting", "name of the option, or controllers.NAME"};
+inline constexpr Key origin{"origin", "where the value comes from: command line, variable, FILE:LINE, built in"};
+
 // The library
 inline constexpr Key fact{"fact", "what is told about the library"};
 

@@ -16,6 +16,7 @@ namespace vornex {
     ADD(addCheckVerb)     \
     ADD(addDecodeVerb)    \
     ADD(addInfoVerb)      \
+    ADD(addConfigVerb)    \
     ADD(addLabelsVerbs)   \
     ADD(addDumpVerb)      \
     ADD(addStatsVerb)     \
