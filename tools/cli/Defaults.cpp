@@ -135,10 +135,10 @@ void Defaults::readLine(std::string line, int number, std::string& section) {
     const CLI::ConfigItem item = itemOf(line, place);
     const Setting_Name* const entry = item.parents.empty() ? entryOf(item.name) : nullptr;
     if (!entry) {
-        Nearest_Word nearest(item.fullname());
+        std::vector<std::string> names;
         for (const Setting_Name& known : Names)
-            nearest.offer(known.name);
-        throw Settings_Error(place + "'" + item.fullname() + "' cannot be set" + nearest.question());
+            names.push_back(known.name);
+        throw Settings_Error(place + "'" + item.fullname() + "' cannot be set" + didYouMean(item.fullname(), names));
     }
     Setting setting{joined(item.inputs, ","), file + ":" + std::to_string(number)};
     if (setting.value.empty()) throw Settings_Error(place + "'" + item.name + "' has no value");
@@ -173,11 +173,12 @@ void Defaults::checkTarget(const Setting& target) const {
     try {
         parseHostPort(target.value);
     } catch (const std::invalid_argument& reason) {
-        Nearest_Word nearest(target.value);
+        std::vector<std::string> names;
         for (const auto& [name, settings] : sections)
-            nearest.offer(name);
-        const std::string names = file.empty() ? "" : ", and no controller of " + file + nearest.question();
-        throw Settings_Error(target.origin + ": target " + reason.what() + names);
+            names.push_back(name);
+        const std::string words =
+            file.empty() ? "" : ", and no controller of " + file + didYouMean(target.value, names);
+        throw Settings_Error(target.origin + ": target " + reason.what() + words);
     }
 }
 

@@ -24,13 +24,6 @@ const CLI::App& deepest(const CLI::App& app) {
     return chosen.empty() ? app : deepest(*chosen.front());
 }
 
-std::string didYouMean(const std::string& word, const std::vector<std::string>& known) {
-    Nearest_Word nearest(word);
-    for (const std::string& other : known)
-        nearest.offer(other);
-    return nearest.question();
-}
-
 std::string noVerb(const CLI::App& app, const std::string& word) {
     return "'" + word + "' is no verb" + didYouMean(word, verbNames(app));
 }
@@ -75,17 +68,11 @@ void writePages(const CLI::App& app, const std::string& folder) {
         writePages(*verb, folder);
 }
 
-int say(const std::string& text) {
-    Output_File out = Output_File::standardOutput();
-    out.write(text);
-    out.flush();
-    return 0;
-}
-
 int end(const CLI::App& program, const CLI::ParseError& error) {
     if (error.get_exit_code() == 0 && reasonOfRest(program).empty()) {
         const bool isVersion = dynamic_cast<const CLI::CallForVersion*>(&error);
-        return say(isVersion ? error.what() + std::string("\n") : helpText(deepest(program)));
+        printText(isVersion ? error.what() + std::string("\n") : helpText(deepest(program)));
+        return 0;
     }
     std::cerr << program.get_name() << ": " << reasonOf(program, error) << "; see --help\n";
     return 1;
@@ -143,7 +130,8 @@ std::optional<int> parseCommandLine(CLI::App& program, int argc, const char* con
         if (argc == 3 && argv[1] == std::string("--complete")) throw Answer{completionAnswer(program, argv[2], words)};
         program.parse(argc, argv);
     } catch (const Answer& answer) {
-        return say(answer.text);
+        printText(answer.text);
+        return 0;
     } catch (const CLI::ParseError& error) {
         return end(program, error);
     }

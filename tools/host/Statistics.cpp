@@ -1,7 +1,8 @@
 #include "host/Statistics.h"
 
 #include <algorithm>
-#include <cstdio>
+
+#include "text/Number.h"
 
 namespace vornex {
 
@@ -88,21 +89,15 @@ Statistics_Figures Statistics::figures() const {
     return copy;
 }
 
-std::string millisecondsText(std::uint32_t microseconds) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f ms", microseconds / 1000.0);
-    return text;
-}
+std::string millisecondsText(std::uint32_t microseconds) { return fixedNumber(microseconds / 1000.0, 2) + " ms"; }
 
 std::string Statistics::summary() const {
     const Statistics_Figures now = figures();
-    char seconds[32];
-    std::snprintf(seconds, sizeof seconds, "%.1f s", now.seconds);
     return std::to_string(now.rounds) + " rounds, " + std::to_string(now.attempts) + " exchanges, " +
            std::to_string(now.retries) + " retries, " + std::to_string(now.gaveUp()) + " given up, " +
            std::to_string(now.linkLosses) + " connections lost, latency p50 " + millisecondsText(now.latency(0.5)) +
            ", p99 " + millisecondsText(now.latency(0.99)) + ", max " + millisecondsText(now.latency(1)) + ", in " +
-           seconds;
+           fixedNumber(now.seconds, 1) + " s";
 }
 
 }  // namespace vornex

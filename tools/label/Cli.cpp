@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <set>
+#include <stdexcept>
 
 #include "host/Host_Error.h"
 #include "label/Tool.h"
@@ -82,6 +83,8 @@ Exit_Code guarded(Tool& tool, const std::function<Exit_Code()>& work) {
         const bool exists = error.kind == Output_Error::Kind::Exists;
         const char* const ways = exists ? "; --append continues it, --force replaces it" : "";
         return tellAndEnd(tool, std::string(error.what()) + ways, exitCodeOf(error.kind));
+    } catch (const std::invalid_argument& mistake) {
+        return tellAndEnd(tool, mistake.what(), Exit_Code::Usage);
     } catch (const File_Error& mistake) {
         return tellAndEnd(tool, mistake.what(), Exit_Code::Label);
     } catch (const Settings_Error& mistake) {

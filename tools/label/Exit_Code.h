@@ -20,7 +20,8 @@ enum class Exit_Code {
     ReaderGone = 141,    // nobody reads standard output any more; told by nothing but this, as shells know it
 };
 
-// Ends the verb: the message is printed and the tool exits with the code. So does a File_Error, with Label.
+// Ends the verb: the message is printed and the tool exits with the code. So does a File_Error, with Label, and a
+// std::invalid_argument, with Usage.
 class Tool_Error : public std::runtime_error {
 public:
     Tool_Error(Exit_Code exitCode, const std::string& message) : std::runtime_error(message), code(exitCode) {}

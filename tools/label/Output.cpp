@@ -17,8 +17,8 @@ Output::Output(Format outputFormat, Times timesAs, bool isQuiet, bool isVerbose)
       messages(Output_File::standardError()) {}
 
 void Output::row(const Row& row, const std::string& text) {
-    if (format == Format::Text) return put(text + "\n");
-    if (format == Format::Json) return put(jsonObject(row) + "\n");
+    if (format == Format::Text) return block(text + "\n");
+    if (format == Format::Json) return block(jsonObject(row) + "\n");
     std::string heading, line;
     for (const auto& [key, value] : row.fields) {
         heading += (heading.empty() ? "" : ",") + formatCsvCell(key->name);
@@ -27,16 +27,14 @@ void Output::row(const Row& row, const std::string& text) {
     }
     const bool isNew = heading != csvHeading;
     csvHeading = heading;
-    put((isNew ? heading + "\n" : "") + line + "\n");
+    block((isNew ? heading + "\n" : "") + line + "\n");
 }
 
 void Output::text(const std::string& line) {
-    if (format == Format::Text) put(line + "\n");
+    if (format == Format::Text) block(line + "\n");
 }
 
-void Output::block(const std::string& text) { put(text); }
-
-void Output::put(const std::string& text) {
+void Output::block(const std::string& text) {
     checked([&] {
         clearProgress();
         data.write(text);

@@ -59,7 +59,6 @@ public:
     const bool messagesOnTerminal;  // stderr is one
 
 private:
-    void put(const std::string& text);
     void message(const std::string& line);
     void tell(const std::string& text);
     void clearProgress();

@@ -49,10 +49,10 @@ struct Segment {
 };
 
 std::string suggestion(const std::vector<Label>& labels, const std::string& name) {
-    Nearest_Word nearest(name);
+    std::vector<std::string> names;
     for (const Label& label : labels)
-        nearest.offer(label.name);
-    return nearest.question();
+        names.push_back(label.name);
+    return didYouMean(name, names);
 }
 
 std::string memberList(const std::vector<Label>& members) {

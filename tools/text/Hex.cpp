@@ -22,6 +22,10 @@ std::string hexBytes(std::string_view bytes, const char* between) {
     return text;
 }
 
+std::string firstHexBytes(std::string_view bytes, std::size_t most) {
+    return hexBytes(bytes.substr(0, most)) + (bytes.size() > most ? " ..." : "");
+}
+
 std::string bytesOfHex(const std::string& text) {
     std::string bytes;
     int high = -1;

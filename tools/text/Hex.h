@@ -11,6 +11,8 @@ namespace vornex {
 
 // "01 F4 00", or with something else between the bytes.
 std::string hexBytes(std::string_view bytes, const char* between = " ");
+// The first `most` of them, and whether there are more: "01 F4 ...".
+std::string firstHexBytes(std::string_view bytes, std::size_t most);
 // "01f400", with or without spaces. Throws std::invalid_argument with the reason.
 std::string bytesOfHex(const std::string& text);
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <vector>
 
 namespace vornex {
 
@@ -29,11 +28,16 @@ std::size_t distance(const std::string& a, const std::string& b, std::size_t lim
 
 }  // namespace
 
-void Nearest_Word::offer(const std::string& known) {
-    const std::size_t slips = distance(known, wanted, best);
-    if (slips >= best || slips >= known.size()) return;
-    best = slips;
-    found = known;
+std::string didYouMean(const std::string& mistyped, const std::vector<std::string>& known) {
+    const std::string* found = nullptr;
+    std::size_t best = 3;
+    for (const std::string& word : known) {
+        const std::size_t slips = distance(word, mistyped, best);
+        if (slips >= best || slips >= word.size()) continue;
+        best = slips;
+        found = &word;
+    }
+    return found ? "; did you mean '" + *found + "'?" : "";
 }
 
 }  // namespace vornex

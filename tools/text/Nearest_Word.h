@@ -3,23 +3,12 @@
 #define VORNEX_TEXT_NEAREST_WORD_H
 
 #include <string>
-#include <utility>
+#include <vector>
 
 namespace vornex {
 
-class Nearest_Word {
-public:
-    explicit Nearest_Word(std::string mistyped) : wanted(std::move(mistyped)) {}
-    void offer(const std::string& known);
-    // "; did you mean 'found'?", or nothing.
-    std::string question() const { return found.empty() ? "" : "; did you mean '" + found + "'?"; }
-
-    std::string found;  // the first of the nearest; empty when all are more than two slips away
-
-private:
-    const std::string wanted;
-    std::size_t best = 3;
-};
+// "; did you mean 'WORD'?" with the first of the nearest; empty when all are more than two slips away.
+std::string didYouMean(const std::string& mistyped, const std::vector<std::string>& known);
 
 }  // namespace vornex
 

@@ -125,6 +125,11 @@ std::string shortestNumber(Float number) {
     return std::string(text, end);
 }
 
+std::string fixedNumber(double number, int digits) {
+    char text[400];  // the largest double has 309 in front of the point
+    return std::string(text, std::to_chars(text, text + sizeof text, number, std::chars_format::fixed, digits).ptr);
+}
+
 template std::optional<float> readReal(const std::string& text);
 template std::optional<double> readReal(const std::string& text);
 template std::string shortestNumber(float number);

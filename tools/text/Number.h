@@ -45,6 +45,8 @@ std::optional<int> compareNumbers(const std::string& a, const std::string& b);
 // The shortest decimal text that reads back as the same number.
 template <class Float>
 std::string shortestNumber(Float number);
+// "0.31" for two digits behind the point.
+std::string fixedNumber(double number, int digits);
 
 }  // namespace vornex
 

@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <utility>
 
 namespace vornex {
@@ -27,21 +28,14 @@ std::atomic<bool> waitNoMore{false};
 
 // Behind links, also behind one that leads to a file that is not there yet.
 std::string behindLinks(const std::string& path) {
-    std::string at = path;
+    std::filesystem::path at = path;
     for (int links = 0; links < 40; ++links) {
-        char text[PATH_MAX];
-        const ssize_t length = readlink(at.c_str(), text, sizeof text);
-        if (length < 0) return at;
-        const std::string next(text, static_cast<std::size_t>(length));
-        at.resize(next.front() == '/' ? 0 : at.rfind('/') + 1);  // an own folder's name stays
-        at += next;
+        std::error_code isNone;
+        const std::filesystem::path next = std::filesystem::read_symlink(at, isNone);
+        if (isNone) return at;
+        at = at.parent_path() / next;
     }
     unusable(path, std::strerror(ELOOP));
-}
-
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
 }
 
 // The checks that need no file to be made: a run ends before it begins when its output cannot be.
@@ -49,18 +43,15 @@ bool isRegularOrNew(const std::string& name, const std::string& target, const Ou
     struct stat found;
     if (stat(target.c_str(), &found) != 0) {
         if (errno != ENOENT) unusable(name, std::strerror(errno));
-        struct stat folder;
-        if (stat(folderOf(target).c_str(), &folder) != 0)
-            unusable(name, std::string("its folder: ") + std::strerror(errno));
-        if (access(folderOf(target).c_str(), W_OK) != 0)
+        const std::string folder = std::filesystem::path(target).parent_path();
+        if (access(folder.empty() ? "." : folder.c_str(), W_OK) != 0)
             unusable(name, std::string("its folder: ") + std::strerror(errno));
         return true;
     }
     for (const std::string& file : policy.filesRead) {
-        struct stat other;
-        if (stat(file.c_str(), &other) == 0 && other.st_dev == found.st_dev && other.st_ino == found.st_ino) {
+        std::error_code isNone;
+        if (std::filesystem::equivalent(file, target, isNone))
             unusable(name, "is read by this run and cannot be its output");
-        }
     }
     if (S_ISDIR(found.st_mode)) unusable(name, "is a folder");
     if (!S_ISREG(found.st_mode)) return false;
@@ -219,6 +210,12 @@ void Output_File::fail(int error) {
                    " and what would follow are missing";
     }
     throw Output_Error(error == EPIPE ? Output_Error::Kind::ReaderGone : Output_Error::Kind::Failed, message);
+}
+
+void printText(const std::string& text) {
+    Output_File out = Output_File::standardOutput();
+    out.write(text);
+    out.flush();
 }
 
 void writeWholeFile(const std::string& path, const std::string& text, const Output_Policy& policy) {

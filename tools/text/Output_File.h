@@ -56,10 +56,9 @@ public:
     void takeNameAtEnd() { takesNameAtEnd = true; }
 
     const std::string& name() const { return shownName; }
-    // Of a file that is continued: its first line; empty when there is none.
+    // Of a file that is continued: its first line; empty when there is none. A last line without end is cut off at the
+    // first flush.
     const std::string& firstLine() const { return oldFirstLine; }
-    // Of a file that is continued: the bytes of a last line without end, cut off at the first flush.
-    std::uint64_t tornBytes() const { return torn; }
 
     // Any thread: nobody waits for slow readers any more; a write that would wait fails.
     static void stopWaiting();
@@ -91,6 +90,8 @@ private:
     std::uint64_t lines = 0;  // that are complete and written by this object
 };
 
+// On standard output, at once. Throws Output_Error.
+void printText(const std::string& text);
 // The whole text under this name, or nothing. Throws Output_Error; what was there is then as before.
 void writeWholeFile(const std::string& path, const std::string& text, const Output_Policy& policy);
 

@@ -55,6 +55,10 @@ std::vector<std::string> splitTrimmed(const std::string& text, char separator) {
     return pieces;
 }
 
+std::string counted(std::size_t number, const std::string& noun) {
+    return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
+}
+
 std::string joined(const std::vector<std::string>& pieces, const char* between) {
     std::string text;
     for (const std::string& piece : pieces)

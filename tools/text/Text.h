@@ -15,6 +15,8 @@ std::vector<std::string> split(const std::string& text, char separator);
 // The same, each without the blanks around it.
 std::vector<std::string> splitTrimmed(const std::string& text, char separator);
 
+// "1 byte", "2 bytes"
+std::string counted(std::size_t number, const std::string& noun);
 // "a, b, c"
 std::string joined(const std::vector<std::string>& pieces, const char* between = ", ");
 

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "text/Number.h"
+
 namespace vornex {
 
 std::string timeText(Wall_Time time, Fraction fraction) {
@@ -21,24 +23,16 @@ std::string timeText(Wall_Time time, Fraction fraction) {
 }
 
 std::string timeSinceText(Wall_Time start, Wall_Time time) {
-    char text[48];
-    std::snprintf(text, sizeof text, "%+.3f s", std::chrono::duration<double>(time - start).count());
-    return text;
+    const double seconds = std::chrono::duration<double>(time - start).count();
+    return (seconds < 0 ? "" : "+") + fixedNumber(seconds, 3) + " s";
 }
 
 std::string ageText(std::chrono::duration<double> age) {
-    const struct {
-        double below, unit;
-        const char* name;
-    } steps[] = {{100, 1, "s"}, {100 * 60, 60, "min"}, {48 * 3600, 3600, "h"}, {1e300, 86400, "d"}};
-    char text[48];
-    for (const auto& step : steps) {
-        if (age.count() >= step.below) continue;
-        const bool isShort = age.count() < 10;
-        std::snprintf(text, sizeof text, isShort ? "%.1f %s" : "%.0f %s", age.count() / step.unit, step.name);
-        break;
-    }
-    return text;
+    const double seconds = age.count();
+    if (seconds < 100) return fixedNumber(seconds, seconds < 10 ? 1 : 0) + " s";
+    if (seconds < 100 * 60) return fixedNumber(seconds / 60, 0) + " min";
+    if (seconds < 48 * 3600) return fixedNumber(seconds / 3600, 0) + " h";
+    return fixedNumber(seconds / 86400, 0) + " d";
 }
 
 }  // namespace vornex

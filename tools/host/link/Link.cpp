@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "text/Hex.h"
+#include "text/Text.h"
 
 namespace vornex {
 
@@ -80,9 +81,7 @@ Link_Fault Link::unfit() {
     const ssize_t got = ::recv(socket.get(), bytes, sizeof bytes, MSG_DONTWAIT);
     if (got > 0) {
         const std::string all(bytes, static_cast<std::size_t>(got));
-        return {std::to_string(got) + (got == 1 ? " byte" : " bytes") + " came that nobody asked for: " +
-                    hexBytes(all.substr(0, ShownBytes)) + (all.size() > ShownBytes ? " ..." : ""),
-                true};
+        return {counted(all.size(), "byte") + " came that nobody asked for: " + firstHexBytes(all, ShownBytes), true};
     }
     if (got == 0) return {"the controller closed the connection"};
     return {laterPerhaps(errno) ? std::string() : std::strerror(errno)};

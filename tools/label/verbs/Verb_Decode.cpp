@@ -22,15 +22,7 @@ namespace {
 
 std::string hexWord(std::uint16_t value) { return "0x" + hexDigits(value, 4); }
 
-std::string plural(std::size_t count, const std::string& noun) {
-    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
-// Bytes that are shown in a line of text; -o json has them all.
-std::string shortHex(const std::string& bytes) {
-    const std::size_t shown = 16;
-    return hexBytes(bytes.substr(0, shown)) + (bytes.size() > shown ? " ..." : "");
-}
+const std::size_t BytesShown = 16;  // in a line of text; -o json has them all
 
 class Decoder {
 public:
@@ -76,7 +68,7 @@ private:
     }
 
     void head(const std::string& what) {
-        tool.out.text(what + ", " + plural(bytes.size(), "byte") + ", " + checkWords());
+        tool.out.text(what + ", " + counted(bytes.size(), "byte") + ", " + checkWords());
     }
     void fault(const std::string& words) {
         wrong = true;
@@ -98,9 +90,9 @@ private:
         row.add(key::bytes, range.bytes)
             .add(key::data, hasData ? Value(hexBytes(data)) : Value())
             .add(key::labels, labels);
-        std::string line = "  item " + std::to_string(index) + ": " + plural(range.bytes, "byte");
+        std::string line = "  item " + std::to_string(index) + ": " + counted(range.bytes, "byte");
         if (addressKnown) line += " at " + std::to_string(range.address);
-        if (hasData) line += ": " + shortHex(data);
+        if (hasData) line += ": " + firstHexBytes(data, BytesShown);
         tool.out.row(row, labels.empty() ? line : line + "   " + labels);
     }
 
@@ -122,17 +114,17 @@ private:
             item(row, index++, range, true, request->data, request->isWrite);
         if (request->items.empty()) bare(row);
         if (request->isWrite && request->items[0].bytes != request->data.size()) {
-            fault("the item says " + plural(request->items[0].bytes, "byte") + ", the frame carries " +
+            fault("the item says " + counted(request->items[0].bytes, "byte") + ", the frame carries " +
                   std::to_string(request->data.size()));
         }
-        tool.out.text("  expects a reply of " + plural(replyBytes(*request), "byte"));
+        tool.out.text("  expects a reply of " + counted(replyBytes(*request), "byte"));
     }
 
     void showReply() {
         head(request->isWrite ? "reply to the write" : "reply to the read");
         showHeader();
         if (bytes.size() != replyBytes(*request)) {
-            fault("the reply to this request has " + plural(replyBytes(*request), "byte"));
+            fault("the reply to this request has " + counted(replyBytes(*request), "byte"));
         }
         const Row row = rowOf("reply", request->isWrite ? "write" : "read");
         if (request->isWrite || !hasCheck()) return bare(row);
@@ -147,14 +139,14 @@ private:
             item(row, static_cast<int>(i), {address, static_cast<std::uint32_t>(data.size())}, request.has_value(),
                  data, true);
             if (request && count != request->items[i].bytes) {
-                fault(plural(request->items[i].bytes, "byte") + " were asked for, the reply says " +
+                fault(counted(request->items[i].bytes, "byte") + " were asked for, the reply says " +
                       std::to_string(count));
             }
             if (data.size() != count) return fault("the count runs past the end of the reply");
         }
         if (request && reply.items.size() < request->items.size())
             return fault("the reply ends before item " + std::to_string(reply.items.size()));
-        if (!reply.rest.empty()) fault(plural(reply.rest.size(), "byte") + " left behind the last item");
+        if (!reply.rest.empty()) fault(counted(reply.rest.size(), "byte") + " left behind the last item");
     }
 
     void showHeader() const {
@@ -228,12 +220,8 @@ bool decodeInput(Decoder& decoder) {
 Exit_Code runDecode(Tool& tool, const std::vector<std::string>& arguments) {
     const bool fromInput = arguments.size() == 1 && arguments[0] == "-";
     Decoder decoder(tool);
-    try {
-        const bool good = fromInput ? decodeInput(decoder) : decodeArguments(decoder, arguments);
-        return good ? Exit_Code::Ok : Exit_Code::VerifyMismatch;
-    } catch (const std::invalid_argument& mistake) {
-        throw Tool_Error(Exit_Code::Usage, mistake.what());
-    }
+    const bool good = fromInput ? decodeInput(decoder) : decodeArguments(decoder, arguments);
+    return good ? Exit_Code::Ok : Exit_Code::VerifyMismatch;
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 // vornex-label dump
 #include <algorithm>
 #include <memory>
-#include <stdexcept>
 
 #include "host/Span_Read.h"
 #include "label/Online.h"
@@ -22,20 +21,12 @@ struct Dump_Options {
 const std::uint32_t BytesOfLine = 16;
 const std::uint64_t MostBytes = 16u << 20;  // what the driver hands out at once, and an hour of reading
 
-std::uint64_t numberOf(const std::string& text, std::uint64_t lowest, std::uint64_t highest, const char* what) {
-    try {
-        return unsignedNumber(text, lowest, highest, what);
-    } catch (const std::invalid_argument& refusal) {
-        throw Tool_Error(Exit_Code::Usage, refusal.what());
-    }
-}
-
 bool isNumber(const std::string& text) { return !text.empty() && text[0] >= '0' && text[0] <= '9'; }
 
 std::uint32_t findAddress(Tool& tool, Session& session, const std::string& text) {
     Extent extent = Extent::Element;
     if (!isNumber(text)) return firstVariable(session, tool.labels(), text, Template_Index(), extent).address;
-    return static_cast<std::uint32_t>(numberOf(text, 0, 0xFFFFFFFF, "address"));
+    return static_cast<std::uint32_t>(unsignedNumber(text, 0, 0xFFFFFFFF, "address"));
 }
 
 std::string printable(const std::string& bytes) {
@@ -71,7 +62,7 @@ void showSpan(Session& session, Output& out, const Span& span) {
 }
 
 Exit_Code dump(Tool& tool, const Dump_Options& options) {
-    const std::uint64_t length = numberOf(options.length, 1, MostBytes, "length");
+    const std::uint64_t length = unsignedNumber(options.length, 1, MostBytes, "length");
     Online online(tool);
     const std::uint32_t address = findAddress(tool, online.session, options.address);
     if (address + length > std::uint64_t(1) << 32) {

@@ -3,7 +3,7 @@
 #include <elf.h>
 #include <link.h>
 
-#include <cstdlib>
+#include <filesystem>
 #include <vector>
 
 #include <vornex_label_tcp/Entry_Points.h>
@@ -43,20 +43,6 @@ Library_Facts factsOf(const std::string& path) {
     return facts;
 }
 
-std::string realPathOf(const std::string& path) {
-    char* const resolved = realpath(path.c_str(), nullptr);
-    std::string text = resolved ? resolved : path;
-    std::free(resolved);
-    return text;
-}
-
-std::string joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words)
-        text += (text.empty() ? "" : " ") + word;
-    return text;
-}
-
 class Report {
 public:
     explicit Report(Output& output) : out(output) {}
@@ -91,9 +77,11 @@ void tellRecords(Report& report) {
 
 void tellLibrary(Report& report, const Driver_Library& library) {
     const Library_Facts facts = factsOf(library.path());
-    report.fact("library", realPathOf(library.path()));
+    std::error_code isNone;
+    const std::string real = std::filesystem::canonical(library.path(), isNone);
+    report.fact("library", isNone ? library.path() : real);
     report.fact("library SONAME", facts.soname);
-    report.fact("library needs", joined(facts.needed));
+    report.fact("library needs", joined(facts.needed, " "));
     if (!facts.runPath.empty()) report.fact("library run path", facts.runPath);
     const std::vector<std::string> names = Driver_Library::entryPointNames();
     report.fact("entry points", std::to_string(names.size()) + " of " + std::to_string(names.size()));
@@ -101,7 +89,7 @@ void tellLibrary(Report& report, const Driver_Library& library) {
     for (const char* name : {"LB", "LW", "RWI", "PLC_driver"}) {
         if (!library.symbol(name)) missing.push_back(name);
     }
-    report.fact("exported data", missing.empty() ? "LB LW RWI PLC_driver" : "missing: " + joined(missing));
+    report.fact("exported data", missing.empty() ? "LB LW RWI PLC_driver" : "missing: " + joined(missing, " "));
     const bool codes = library.symbol("_Z17get_label_address7QStringR19ControlInformationM") != nullptr;
     report.fact("label result codes", codes);
 }

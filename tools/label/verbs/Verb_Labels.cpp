@@ -1,7 +1,5 @@
 // labels convert, labels lint, labels names: work on label files, without controller and driver.
-#include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "label/Tool.h"
 #include "label/verbs/Verb_Table.h"
@@ -9,6 +7,7 @@
 #include "labels/Label_Lint.h"
 #include "labels/Label_Names.h"
 #include "text/Text.h"
+#include "text/Text_Input.h"
 
 namespace vornex {
 
@@ -21,10 +20,7 @@ Label_File fileOf(Tool& tool, const std::string& argument) {
 
 // Comments have no place in a table; whoever wrote some shall know.
 bool hasComments(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    const std::string all = text.str();
+    const std::string all = wholeText(path);
     bool inText = false;
     for (std::size_t i = 0; i + 1 < all.size(); ++i) {
         if (inText && all[i] == '\\')

@@ -1,11 +1,11 @@
 // vornex-label stats and bench
-#include <cstdio>
 #include <memory>
 #include <optional>
 
 #include "host/Variables.h"
 #include "label/Online.h"
 #include "label/verbs/Verb_Table.h"
+#include "text/Number.h"
 #include "watch/Watch_Events.h"
 
 namespace vornex {
@@ -28,17 +28,11 @@ struct Workload {
     int requests = 0;
 };
 
-std::string fixed(double number, int digits) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f", digits, number);
-    return text;
-}
-
 double per(double amount, double unit) { return unit > 0 ? amount / unit : 0; }
 
 Row figuresRow(const Statistics_Figures& now) {
     Row row;
-    row.add(key::seconds, Value::number(fixed(now.seconds, 3)))
+    row.add(key::seconds, Value::number(fixedNumber(now.seconds, 3)))
         .add(key::rounds, now.rounds)
         .add(key::exchanges, now.attempts);
     row.add(key::goodExchanges, now.good).add(key::retries, now.retries).add(key::givenUp, now.gaveUp());
@@ -56,10 +50,10 @@ void showSecond(Output& out, const Statistics_Figures& before, const Statistics_
     Row row = figuresRow(now);
     const double exchanges = per(static_cast<double>(now.attempts - before.attempts), time);
     const double data = per(static_cast<double>(now.dataBytes - before.dataBytes), time);
-    row.add(key::exchangesPerSecond, Value::number(fixed(exchanges, 1)));
-    out.row(row, fixed(now.seconds, 0) + " s: " + fixed(exchanges, 0) + " exchanges/s, " + fixed(data / 1000, 1) +
-                     " kB/s data, " + std::to_string(now.retries - before.retries) + " retries, " +
-                     std::to_string(now.gaveUp() - before.gaveUp()) + " given up");
+    row.add(key::exchangesPerSecond, Value::number(fixedNumber(exchanges, 1)));
+    out.row(row, fixedNumber(now.seconds, 0) + " s: " + fixedNumber(exchanges, 0) + " exchanges/s, " +
+                     fixedNumber(data / 1000, 1) + " kB/s data, " + std::to_string(now.retries - before.retries) +
+                     " retries, " + std::to_string(now.gaveUp() - before.gaveUp()) + " given up");
     out.flush();
 }
 
@@ -75,9 +69,9 @@ void showPacking(Output& out, const Workload& work, const Statistics_Figures& no
     const double wanted = static_cast<double>(work.bytesWanted) * now.rounds;
     out.text("packing: " + std::to_string(work.variables) + " variables of " + std::to_string(work.bytesWanted) +
              " bytes in " + std::to_string(work.requests) + " requests a round; a frame carried " +
-             fixed(per(static_cast<double>(now.itemsRead), good), 1) + " requests and " +
-             fixed(per(static_cast<double>(now.dataBytes), good), 1) + " data bytes, " +
-             fixed(100 * per(wanted, static_cast<double>(now.dataBytes)), 0) + " % of them wanted");
+             fixedNumber(per(static_cast<double>(now.itemsRead), good), 1) + " requests and " +
+             fixedNumber(per(static_cast<double>(now.dataBytes), good), 1) + " data bytes, " +
+             fixedNumber(100 * per(wanted, static_cast<double>(now.dataBytes)), 0) + " % of them wanted");
 }
 
 void showSummary(Output& out, const std::string& target, const Workload& work, const Statistics_Figures& now) {
@@ -92,13 +86,13 @@ void showSummary(Output& out, const std::string& target, const Workload& work, c
         return out.row(row, "");
     }
     out.text("--- " + target + " ---");
-    out.text(std::to_string(now.attempts) + " exchanges in " + fixed(now.seconds, 1) + " s (" +
-             fixed(per(static_cast<double>(now.attempts), now.seconds), 1) + "/s), " + std::to_string(now.good) +
+    out.text(std::to_string(now.attempts) + " exchanges in " + fixedNumber(now.seconds, 1) + " s (" +
+             fixedNumber(per(static_cast<double>(now.attempts), now.seconds), 1) + "/s), " + std::to_string(now.good) +
              " good, " + std::to_string(now.retries) + " retries, " + std::to_string(now.gaveUp()) + " given up, " +
              std::to_string(now.linkLosses) + " connections lost");
     out.text("sent " + std::to_string(now.bytesSent) + " bytes, received " + std::to_string(now.bytesReceived) +
              ", data " + std::to_string(now.dataBytes) + "; " + std::to_string(now.rounds) + " rounds (" +
-             fixed(per(now.rounds, now.seconds), 1) + "/s)");
+             fixedNumber(per(now.rounds, now.seconds), 1) + "/s)");
     if (!now.faults.empty()) out.text("faults: " + listText(now.faults));
     if (!bands.empty()) out.text("given up: " + listText(bands));
     out.text("latency p50 " + millisecondsText(now.latency(0.5)) + ", p99 " + millisecondsText(now.latency(0.99)) +
@@ -170,15 +164,15 @@ void showSize(Output& out, int size, const Workload& work, const Statistics_Figu
     const double data = per(static_cast<double>(now.dataBytes), now.seconds);
     Row row;
     row.add(key::bytesPerRequest, size).add(key::requestsPerRound, work.requests);
-    row.add(key::exchangesPerSecond, Value::number(fixed(exchanges, 1)));
-    row.add(key::roundsPerSecond, Value::number(fixed(rounds, 1)));
-    row.add(key::dataBytesPerSecond, Value::number(fixed(data, 0)));
+    row.add(key::exchangesPerSecond, Value::number(fixedNumber(exchanges, 1)));
+    row.add(key::roundsPerSecond, Value::number(fixedNumber(rounds, 1)));
+    row.add(key::dataBytesPerSecond, Value::number(fixedNumber(data, 0)));
     row.add(key::retries, now.retries).add(key::givenUp, now.gaveUp());
     row.add(key::latencyMedianUs, now.latency(0.5)).add(key::latency99Us, now.latency(0.99));
     out.row(row, "-m " + std::to_string(size) + ": " + std::to_string(work.requests) + " requests a round, " +
-                     fixed(rounds, 1) + " rounds/s, " + fixed(exchanges, 1) + " exchanges/s, " + fixed(data / 1000, 1) +
-                     " kB/s data, latency p50 " + millisecondsText(now.latency(0.5)) + ", p99 " +
-                     millisecondsText(now.latency(0.99)));
+                     fixedNumber(rounds, 1) + " rounds/s, " + fixedNumber(exchanges, 1) + " exchanges/s, " +
+                     fixedNumber(data / 1000, 1) + " kB/s data, latency p50 " + millisecondsText(now.latency(0.5)) +
+                     ", p99 " + millisecondsText(now.latency(0.99)));
     out.flush();
 }
 

@@ -101,8 +101,8 @@ void writePlan(Session& session, Output& out, Write_Plan& plan) {
 }
 
 std::string shortHex(const std::string& bytes) {
-    const std::string text = hexBytes(bytes.substr(0, ShownBytes));
-    return bytes.size() > ShownBytes ? text + " ... (" + std::to_string(bytes.size()) + " bytes)" : text;
+    const std::string text = firstHexBytes(bytes, ShownBytes);
+    return bytes.size() > ShownBytes ? text + " (" + std::to_string(bytes.size()) + " bytes)" : text;
 }
 
 void show(Output& out, const Write_Plan& plan, const std::string& result) {
