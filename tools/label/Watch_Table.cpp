@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "label/Watch_View.h"
+#include "label/Watch_Display.h"
 #include "watch/Table_Lines.h"
 
 namespace vornex {

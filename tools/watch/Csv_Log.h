@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "text/Output_File.h"
-#include "watch/Watch_View.h"
+#include "watch/Watched.h"
 
 namespace vornex {
 
 // One line a round, one column a variable; cells without a fresh value are empty.
-class Csv_Log : public Watch_View {
+class Csv_Log : public Watch_Output {
 public:
     // Throws Output_Error when the file cannot be used, also when it is to be continued and has other columns.
     Csv_Log(const std::string& path, const Output_Policy& policy, const std::vector<Watched>& all);

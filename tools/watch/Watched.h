@@ -1,4 +1,4 @@
-// Variables under watch: their last values, and what these are worth.
+// Variables under watch: their last values, what these are worth, and who shows or keeps them.
 #ifndef VORNEX_WATCH_WATCHED_H
 #define VORNEX_WATCH_WATCHED_H
 
@@ -25,6 +25,19 @@ struct Watched {
 void refresh(const Session& session, std::vector<Watched>& all);
 
 std::string freshnessName(Freshness freshness);
+
+// Shows or keeps the values of a watch. Called on the watch's own thread after each round, and when the link changes.
+// May throw Output_Error; the watch then goes on without this output.
+class Watch_Output {
+public:
+    virtual ~Watch_Output() = default;
+    // `round` counts from 1.
+    virtual void update(const std::vector<Watched>& all, int round) = 0;
+    virtual void link(const Link_Change&) {}
+    // Several times a second, whatever happens.
+    virtual void tick(const std::vector<Watched>&) {}
+    virtual void finish(const std::vector<Watched>&) {}
+};
 
 }  // namespace vornex
 

@@ -5,7 +5,7 @@
 
 #include "host/Variable_Value.h"
 #include "label/Online.h"
-#include "label/Watch_View.h"
+#include "label/Watch_Display.h"
 #include "label/verbs/Verb_Table.h"
 #include "labels/Label_Names.h"
 #include "values/Comparison.h"
@@ -38,9 +38,9 @@ public:
 
 private:
     void chooseVariables();
-    void chooseViews();
+    void chooseOutputs();
     void startPolling();
-    void show(const std::function<void(Watch_View&)>& what);
+    void show(const std::function<void(Watch_Output&)>& what);
     void tell(const Watch_News& news);
     bool conditionMet() const;
     bool take(const Watch_News& news);
@@ -51,7 +51,7 @@ private:
     Watch_Events events;
     Online online;
     std::vector<Watched> all;
-    std::vector<std::unique_ptr<Watch_View>> views;
+    std::vector<std::unique_ptr<Watch_Output>> outputs;
     Comparison condition;
     std::size_t conditionAt = 0;  // in `all`
     bool met = false;
@@ -88,16 +88,16 @@ void Watch::chooseVariables() {
     all.push_back(std::move(watched));  // polled and shown, although not named among the labels
 }
 
-void Watch::chooseViews() {
+void Watch::chooseOutputs() {
     const bool isText = tool.out.format == Output::Format::Text;
     if (isText && tool.out.quiet) {
         // only the files and the exit code are wanted
     } else if (options.table && isText) {
-        views.push_back(std::make_unique<Live_Table>(tool.out, online.session.target()));
+        outputs.push_back(std::make_unique<Live_Table>(tool.out, online.session.target()));
     } else {
-        views.push_back(std::make_unique<Change_Lines>(tool.out, options.deadband));
+        outputs.push_back(std::make_unique<Change_Lines>(tool.out, options.deadband));
     }
-    if (!options.csv.empty()) views.push_back(std::make_unique<Csv_Log>(options.csv, tool.outputPolicy(), all));
+    if (!options.csv.empty()) outputs.push_back(std::make_unique<Csv_Log>(options.csv, tool.outputPolicy(), all));
 }
 
 void Watch::startPolling() {
@@ -109,23 +109,23 @@ void Watch::startPolling() {
     if (requests == 0) throw Tool_Error(Exit_Code::Label, "the driver made no request of these labels");
 }
 
-// A view whose output ends too early is given up, and the others go on; the last one takes the watch with it.
-void Watch::show(const std::function<void(Watch_View&)>& what) {
-    for (auto view = views.begin(); view != views.end();) {
+// An output that ends too early is given up, and the others go on; the last one takes the watch with it.
+void Watch::show(const std::function<void(Watch_Output&)>& what) {
+    for (auto output = outputs.begin(); output != outputs.end();) {
         try {
-            what(**view);
-            ++view;
+            what(**output);
+            ++output;
         } catch (const Output_Error& error) {
-            if (views.size() == 1) throw;
+            if (outputs.size() == 1) throw;
             tool.outputFailed(error);
-            view = views.erase(view);
+            output = outputs.erase(output);
         }
     }
 }
 
 void Watch::tell(const Watch_News& news) {
     for (const Link_Change& change : news.linkChanges) {
-        show([&change](Watch_View& view) { view.link(change); });
+        show([&change](Watch_Output& output) { output.link(change); });
     }
     if (news.goodExchange) giveUpTold = false;
     for (const Give_Up& giveUp : news.giveUps) {
@@ -145,7 +145,7 @@ bool Watch::conditionMet() const {
 }
 
 Exit_Code Watch::end() {
-    show([this](Watch_View& view) { view.finish(all); });
+    show([this](Watch_Output& output) { output.finish(all); });
     tool.out.note(online.statistics.summary());
     if (online.session.interrupted()) return Exit_Code::Interrupted;
     if (met) return Exit_Code::Ok;
@@ -161,13 +161,13 @@ Exit_Code Watch::end() {
     return Exit_Code::GaveUp;
 }
 
-// The news of one wait. Each round is taken by itself, so that views and --rounds miss none.
+// The news of one wait. Each round is taken by itself, so that outputs and --rounds miss none.
 bool Watch::take(const Watch_News& news) {
     tell(news);
     refresh(online.session, all);
     const bool changed = news.newRound || (!news.linkChanges.empty() && tool.out.dataOnTerminal);
-    if (changed) show([&](Watch_View& view) { view.update(all, news.rounds); });
-    if (!changed) show([this](Watch_View& view) { view.tick(all); });
+    if (changed) show([&](Watch_Output& output) { output.update(all, news.rounds); });
+    if (!changed) show([this](Watch_Output& output) { output.tick(all); });
     met = conditionMet();
     if (news.interrupted || met || (options.rounds > 0 && news.rounds >= options.rounds)) return false;
     if (news.newRound) online.session.roundTaken();
@@ -176,7 +176,7 @@ bool Watch::take(const Watch_News& news) {
 
 Exit_Code Watch::run() {
     chooseVariables();
-    chooseViews();
+    chooseOutputs();
     online.session.addObserver(events);
     online.connect(options.noWait ? First_Connection::Needed : First_Connection::MayFollow);
     startPolling();

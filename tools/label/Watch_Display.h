@@ -1,6 +1,6 @@
 // How a watch shows its variables on standard output: changes line by line, or a live table.
-#ifndef VORNEX_LABEL_WATCH_VIEW_H
-#define VORNEX_LABEL_WATCH_VIEW_H
+#ifndef VORNEX_LABEL_WATCH_DISPLAY_H
+#define VORNEX_LABEL_WATCH_DISPLAY_H
 
 #include <cstdint>
 #include <deque>
@@ -8,14 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "host/link/Exchange.h"
 #include "label/Output.h"
-#include "watch/Watch_View.h"
+#include "watch/Watched.h"
 
 namespace vornex {
 
 // A line for each value that differs from the one shown last by more than the deadband, or is fresh again.
-class Change_Lines : public Watch_View {
+class Change_Lines : public Watch_Output {
 public:
     Change_Lines(Output& output, double deadbandWidth) : out(output), deadband(deadbandWidth) {}
     void update(const std::vector<Watched>& all, int round) override;
@@ -37,7 +36,7 @@ private:
 // The table. On a terminal it has the screen for itself, like a pager, is drawn anew after each round and each change
 // of the window, and takes the tool's messages into its own lines; what it showed last stays when it ends. In a pipe it
 // is printed after the first round and at the end.
-class Live_Table : public Watch_View {
+class Live_Table : public Watch_Output {
 public:
     Live_Table(Output& output, std::string targetText);
     ~Live_Table() override;

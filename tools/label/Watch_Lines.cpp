@@ -1,4 +1,5 @@
-#include "label/Watch_View.h"
+// The changes of a watch, line by line.
+#include "label/Watch_Display.h"
 
 #include <cmath>
 
