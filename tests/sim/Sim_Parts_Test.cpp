@@ -7,6 +7,7 @@
 
 #include "sim/Control.h"
 #include "sim/Controller.h"
+#include "sim/Summary.h"
 #include "sim/plant/Value_Motion.h"
 #include "text/Hex.h"
 

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "values/Keys.h"
 #include "wire/Frame_Writer.h"
 
 namespace vornex::sim {
@@ -44,7 +45,13 @@ Delivery Controller::answer(const Request& request, std::string& previous, doubl
 }
 
 Counters Controller::counters() const {
-    Counters result = statsCounters(stats);
+    Counters result = {{key::clients.name, stats.clients},      {key::clientsRefused.name, stats.clientsRefused},
+                       {key::requests.name, stats.requests},    {key::reads.name, stats.reads},
+                       {key::writes.name, stats.writes},        {key::items.name, stats.items},
+                       {key::bytesRead.name, stats.bytesRead},  {key::bytesWritten.name, stats.bytesWritten},
+                       {key::bytesIn.name, stats.bytesIn},      {key::bytesOut.name, stats.bytesOut},
+                       {key::badFrames.name, stats.badFrames},  {key::slowFrames.name, stats.slowFrames},
+                       {key::memoryFull.name, stats.memoryFull}};
     faults.appendTo(result);
     return result;
 }

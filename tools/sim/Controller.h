@@ -7,12 +7,28 @@
 #include <optional>
 #include <string>
 
-#include "sim/Stats.h"
 #include "sim/faults/Fault_Rules.h"
 #include "sim/plant/Plant.h"
 #include "wire/Frame.h"
 
 namespace vornex::sim {
+
+// What the simulator counts.
+struct Stats {
+    std::uint64_t clients = 0;         // connections accepted
+    std::uint64_t clientsRefused = 0;  // over the limit of clients
+    std::uint64_t requests = 0;        // good ones: reads + writes
+    std::uint64_t reads = 0;
+    std::uint64_t writes = 0;
+    std::uint64_t items = 0;      // byte ranges in the reads
+    std::uint64_t bytesRead = 0;  // bytes of controller memory answered
+    std::uint64_t bytesWritten = 0;
+    std::uint64_t bytesIn = 0;  // on the wire
+    std::uint64_t bytesOut = 0;
+    std::uint64_t badFrames = 0;   // wrong check value, start byte, command, body or length
+    std::uint64_t slowFrames = 0;  // not complete in time
+    std::uint64_t memoryFull = 0;  // writes that were not carried out: no room in the memory
+};
 
 // One message to the log, without time and line end.
 using Log = std::function<void(const std::string&)>;
@@ -43,6 +59,7 @@ public:
     // beginning; updated. `now`: ms since the start.
     Delivery answer(const Request& request, std::string& previous, double now);
 
+    // The members of Stats, "faults", then "fault.KIND" for every kind.
     Counters counters() const;
 
     Plant plant;

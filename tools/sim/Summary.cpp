@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <stdexcept>
 
 #include <nlohmann/json.hpp>
 
+#include "text/Number.h"
 #include "values/Keys.h"
 
 namespace vornex::sim {
@@ -15,13 +16,22 @@ std::string counted(const Summary& summary, const char* name) {
     return std::string(", ") + name + " " + std::to_string(counterNamed(summary.counters, name));
 }
 
-std::string secondsText(double seconds) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.1f s", seconds);
-    return text;
+}  // namespace
+
+Comparison parseExpectation(const std::string& text) {
+    Comparison expectation = parseComparison(text);
+    wholeNumber<std::uint64_t>(expectation.operand);
+    return expectation;
 }
 
-}  // namespace
+std::uint64_t counterNamed(const Counters& counters, const std::string& name) {
+    std::string known;
+    for (const auto& counter : counters) {
+        if (counter.first == name) return counter.second;
+        known += " " + counter.first;
+    }
+    throw std::invalid_argument("unknown counter '" + name + "'; known are" + known);
+}
 
 bool allMet(const Summary& summary) {
     return std::all_of(summary.expectations.begin(), summary.expectations.end(), [&](const Comparison& expectation) {
@@ -30,7 +40,7 @@ bool allMet(const Summary& summary) {
 }
 
 std::string summaryText(const Summary& summary) {
-    std::string text = "summary: " + secondsText(summary.seconds);
+    std::string text = "summary: " + fixedNumber(summary.seconds, 1) + " s";
     for (const char* name : {"clients", "requests", "reads", "writes", "bytesRead", "bytesWritten", "faults"}) {
         text += counted(summary, name);
     }

@@ -1,4 +1,4 @@
-// What is told at the end.
+// What is told at the end, and what a test can expect of it.
 #ifndef VORNEX_SIM_SUMMARY_H
 #define VORNEX_SIM_SUMMARY_H
 
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "sim/Controller.h"
+#include "values/Comparison.h"
 
 namespace vornex::sim {
 
@@ -16,6 +17,12 @@ struct Summary {
     std::vector<Fault_Rule> rules;
     std::vector<Comparison> expectations;
 };
+
+// "writes>=3": a counter and a whole number. Throws std::invalid_argument for anything else; whether the counter exists
+// is known by counterNamed.
+Comparison parseExpectation(const std::string& text);
+// Throws std::invalid_argument for an unknown counter, naming those known.
+std::uint64_t counterNamed(const Counters& counters, const std::string& name);
 
 bool allMet(const Summary& summary);
 // Lines for people.

@@ -1,6 +1,5 @@
 // vornex-sim: puts the parts together.
 #include <csignal>
-#include <cstdio>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -11,7 +10,9 @@
 #include "sim/net/Control_Port.h"
 #include "sim/net/Server.h"
 #include "text/Host_Port.h"
+#include "text/Number.h"
 #include "text/Output_File.h"
+#include "text/Text.h"
 
 namespace vornex::sim {
 namespace {
@@ -42,11 +43,9 @@ private:
     static constexpr std::size_t LongestText = 1000;  // a pipe that is read takes such a line, and the one before it
 
     void writeNow(const std::string& text) {
-        char time[32];
         const std::chrono::duration<double> since = std::chrono::steady_clock::now() - started;
-        std::snprintf(time, sizeof time, "%9.3f ", since.count());
         try {
-            file.write(time + text + "\n");
+            file.write(padded(fixedNumber(since.count(), 3), 9, Align::Right) + " " + text + "\n");
             file.flush();
         } catch (const Output_Error& error) {
             hasFailed = true;
@@ -60,12 +59,6 @@ private:
     Output_File file;
     std::chrono::steady_clock::time_point started = std::chrono::steady_clock::now();
 };
-
-void print(const std::string& text) {
-    Output_File out = Output_File::standardOutput();
-    out.write(text);
-    out.flush();
-}
 
 unsigned short portOf(const Options& options, const Label_File& labels) {
     if (options.port) return *options.port;
@@ -119,7 +112,7 @@ void run(Running& running, Server& server) {
         Output_File::stopWaiting();
         server.stop(false);
     });
-    print("listening " + server.address() + "\n");
+    printText("listening " + server.address() + "\n");
     running.io.run();
     running.signals.clear();  // nobody takes them any more: the next one ends a summary that nobody reads
 }
@@ -151,7 +144,7 @@ int serve(const Options& options, const Label_File& labels, Log_Writer& writer) 
     }
     run(running, server);
     const Summary summary = summarise();
-    print(options.output == "json" ? summaryJson(summary) + "\n" : summaryText(summary));
+    printText(options.output == "json" ? summaryJson(summary) + "\n" : summaryText(summary));
     if (!allMet(summary)) return int(Exit_Code::ExpectationFailed);
     return int(writer.failed() ? Exit_Code::Output : Exit_Code::Ok);
 }

@@ -125,8 +125,6 @@ bool isPossible(Fault_Kind kind, const Request& request, bool hasPrevious) {
 
 }  // namespace
 
-const char* faultName(Fault_Kind kind) { return Kinds[static_cast<std::size_t>(kind)].name; }
-
 std::string faultHelp() {
     std::string text = "KIND[(ARGS)][@SELECTOR[,SELECTOR...]]   [defaults]\n";
     for (const Kind_Entry& kind : Kinds)

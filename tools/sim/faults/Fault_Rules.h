@@ -8,9 +8,9 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "sim/Stats.h"
 #include "wire/Frame.h"
 
 namespace vornex::sim {
@@ -40,7 +40,6 @@ enum class Fault_Kind {
 };
 constexpr std::size_t FaultKinds = 21;
 
-const char* faultName(Fault_Kind kind);
 // Every kind with its arguments and the selectors, for people.
 std::string faultHelp();
 
@@ -59,6 +58,9 @@ struct Fault_Rule {
     std::uint64_t seen = 0;   // requests that the kind can be applied to and cmd and addr select
     std::uint64_t fired = 0;  // of those, the ones it was applied to
 };
+
+// Names with values, in the order of a summary.
+using Counters = std::vector<std::pair<std::string, std::uint64_t>>;
 
 // Throws std::invalid_argument with the reason.
 Fault_Rule parseFault(const std::string& text);

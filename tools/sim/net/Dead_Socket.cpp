@@ -6,10 +6,10 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <thread>
 
 namespace vornex::sim {
@@ -31,9 +31,8 @@ bool refusesConnections(const std::string& path) {
 }  // namespace
 
 Folder_Lock::Folder_Lock(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const std::string name = slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
-    folder = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const std::string name = std::filesystem::path(path).parent_path();
+    folder = ::open(name.empty() ? "." : name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0) return;
     for (int tries = 0; !(held = ::flock(folder, LOCK_EX | LOCK_NB) == 0) && tries < 50; ++tries)
         std::this_thread::sleep_for(std::chrono::milliseconds(20));

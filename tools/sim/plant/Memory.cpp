@@ -1,7 +1,6 @@
 #include "sim/plant/Memory.h"
 
 #include <algorithm>
-#include <array>
 
 namespace vornex::sim {
 namespace {
@@ -10,10 +9,6 @@ constexpr std::uint32_t PageBytes = 4096;
 
 }  // namespace
 
-struct Memory::Page {
-    std::array<char, PageBytes> bytes{};
-};
-
 std::string Memory::read(std::uint32_t address, std::size_t bytes) const {
     std::string result(bytes, '\0');
     for (std::size_t done = 0, run = 0; done < bytes; done += run) {
@@ -21,8 +16,7 @@ std::string Memory::read(std::uint32_t address, std::size_t bytes) const {
         run = std::min<std::size_t>(bytes - done, PageBytes - at % PageBytes);
         const auto page = pages.find(at / PageBytes);
         if (page == pages.end()) continue;
-        std::copy_n(page->second->bytes.begin() + at % PageBytes, run,
-                    result.begin() + static_cast<std::ptrdiff_t>(done));
+        result.replace(done, run, page->second, at % PageBytes, run);
     }
     return result;
 }
@@ -40,9 +34,9 @@ bool Memory::write(std::uint32_t address, const std::string& bytes) {
     for (std::size_t done = 0, run = 0; done < bytes.size(); done += run) {
         const std::uint32_t at = address + static_cast<std::uint32_t>(done);
         run = std::min<std::size_t>(bytes.size() - done, PageBytes - at % PageBytes);
-        std::shared_ptr<Page>& page = pages[at / PageBytes];
-        if (!page) page = std::make_shared<Page>();
-        std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(done), run, page->bytes.begin() + at % PageBytes);
+        std::string& page = pages[at / PageBytes];
+        page.resize(PageBytes);  // the first time
+        page.replace(at % PageBytes, run, bytes, done, run);
     }
     return true;
 }

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <unordered_map>
 
@@ -24,11 +23,10 @@ public:
     bool write(std::uint32_t address, const std::string& bytes);
 
 private:
-    struct Page;
     bool hasRoom(std::uint32_t address, std::size_t bytes) const;
 
     std::uint64_t limit;
-    std::unordered_map<std::uint32_t, std::shared_ptr<Page>> pages;
+    std::unordered_map<std::uint32_t, std::string> pages;
 };
 
 // The byte that pattern mode shows at an address: mixAddress(address) XOR the low 8 bits of the generation. So every
