@@ -43,6 +43,7 @@ TEST_F(Completion, completesTheLine) {
         {"vornex-label --output=j", "vornex-label --output=json "},
         {"vornex-label ls -o j", "vornex-label ls -o json "},
         {"vornex-label read --as byt", "vornex-label read --as bytes "},
+        {"vornex-label read --as UDI", "vornex-label read --as UDINT "},
         // labels, as far as the next dot or bracket
         {"vornex-label -l plant.json read Hea", "vornex-label -l plant.json read Heartbeat "},
         {"vornex-label read -t 127.0.0.1:2000 -l plant.json Hea",

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "labels/Label_Type.h"
 #include "text/Hex.h"
 #include "text/Text.h"
 #include "text/Text_Input.h"
@@ -114,6 +115,7 @@ TEST(Value_Codec, takesWhatTheViewTakesAlone) {
         {View::U16, 4, "[500, 65536]", "", "from 0 to 65535"},
         {View::U16, 4, "[500, 0", "", "no closing ]"},
         {View::U32, 2, "1", "", "view u32 has 4 bytes, the element 2"},
+        {View::Text, 2, "\"a,\"", "61 2C", ""},
         {View::U16, 255, "1", "", "view u16 has 2 bytes, the element 255"},
     };
     for (const auto& row : rows) {
@@ -151,6 +153,16 @@ TEST(Value_Codec, roundsNumbersThatAreWorkedOut) {
 
 TEST(Views, standOnThePageOfTheLabelFile) {
     EXPECT_NE(wholeText(LABELS_PAGE).find("`" + joined(viewNames(), " ") + "`"), std::string::npos);
+}
+
+TEST(Type_Names, standOnThePageOfTheLabelFileWithCodeAndView) {
+    const std::string page = wholeText(LABELS_PAGE);
+    for (const Type_Name& type : typeNames()) {
+        const std::string row = "| `" + std::string(type.name) + "` | " + std::to_string(type.code) + " | `" +
+                                viewName(type.view) + "` | " + std::to_string(elementType(type.code).bytes) + " | " +
+                                type.meaning + " |";
+        EXPECT_NE(page.find(row), std::string::npos) << row;
+    }
 }
 
 TEST(Comparison, comparesNumbersAndTexts) {

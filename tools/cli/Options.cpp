@@ -65,8 +65,13 @@ void addTextOr(CLI::App& app, const std::string& names, const std::string& value
 
 void addChoice(CLI::App& app, const std::string& names, const std::vector<std::string>& words, std::string& target,
                const std::string& help) {
+    addWord(app, names, CLI::detail::join(words, "|"), words, target, help);
+}
+
+void addWord(CLI::App& app, const std::string& names, const std::string& value, const std::vector<std::string>& words,
+             std::string& target, const std::string& help) {
     app.add_option(names, target, help + remark("", target))
-        ->type_name(CLI::detail::join(words, "|"))
+        ->type_name(value)
         ->check(CLI::IsMember(words).description(""));
 }
 

@@ -25,6 +25,9 @@ void addTexts(CLI::App& app, const std::string& names, const std::string& value,
               const std::string& help);
 void addChoice(CLI::App& app, const std::string& names, const std::vector<std::string>& words, std::string& target,
                const std::string& help);
+// The same for more words than a line of help holds: `value` stands for them, and the caller's word source offers them.
+void addWord(CLI::App& app, const std::string& names, const std::string& value, const std::vector<std::string>& words,
+             std::string& target, const std::string& help);
 // The value may be left out: the option alone then means `alone`.
 void addTextOr(CLI::App& app, const std::string& names, const std::string& value, const std::string& alone,
                std::string& target, const std::string& help);

@@ -30,6 +30,10 @@ QList<int> dimensionList(const Type_Ref& type) {
         list.append(bounds.low);
         list.append(bounds.high + 1);
     }
+    if (type.textBytes > 0) {  // the bytes of each text are a dimension more
+        list.append(0);
+        list.append(static_cast<int>(type.textBytes));
+    }
     return list;
 }
 
@@ -54,8 +58,8 @@ Label_Type_Info Definitions::of(const Label& label) {
     info.address = label.at;
     if (!label.type.bounds.empty()) {
         info.typeFlags = static_cast<quint16>(info.typeFlags | LabelIsArray);
-        info.dimensionCount = static_cast<quint32>(label.type.bounds.size());
         info.dimensions = dimensionList(label.type);
+        info.dimensionCount = static_cast<quint32>(info.dimensions.size() / 2);
     }
     if (label.type.code == StructTypeCode) info.elementType.append(structType(label.type.structName));
     return info;

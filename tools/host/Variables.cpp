@@ -17,7 +17,7 @@ Variable variableOf(const Leaf& leaf) {
     variable.view = leaf.view;
     variable.address = leaf.address;
     variable.bytes = leaf.bytes;
-    variable.range = {leaf.text, 0, leaf.code, leaf.bytes};
+    variable.range = {driverLabel(leaf), 0, leaf.code, leaf.bytes};
     return variable;
 }
 
@@ -103,7 +103,7 @@ private:
 void refuseCarry(Session& session, const Label_File& file, const Variable& variable, const Template_Index& index) {
     if (!isTemplate(variable.range.label) || index.mayWrap) return;
     const auto plain = templateText(file, variable.range.label, variable.range.index);
-    if (plain && session.resolve(*plain, 0) == variable.address) return;
+    if (plain && session.resolve(driverSpelling(file, *plain), 0) == variable.address) return;
     throw Host_Error(Host_Error::Kind::Label, "index " + std::to_string(variable.range.index) + " leaves the array: '" +
                                                   variable.range.label + "' would become '" + variable.text + "'");
 }

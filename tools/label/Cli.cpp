@@ -8,6 +8,7 @@
 #include "label/Tool.h"
 #include "label/verbs/Verb_Table.h"
 #include "labels/Label_Continuation.h"
+#include "labels/Label_Type.h"
 
 namespace vornex {
 
@@ -116,9 +117,10 @@ std::string labelFileOf(const Word_Request& request, const Defaults& defaults) {
     return defaults.find("labels", controller).value_or(Setting()).value;
 }
 
-// The completion of labels and of controllers' names. A file that cannot be read offers none: this is no place for
-// messages.
+// The completion of types, of labels and of controllers' names. A file that cannot be read offers none: this is no
+// place for messages.
 std::optional<Offered_Words> ownWords(const Word_Request& request) {
+    if (request.value == "TYPE") return Offered_Words{viewWords(), true};
     static const std::set<std::string> whole = {"LABEL", "GLOB", "ADDRESS"}, begun = {"ASSIGNMENT", "CONDITION"};
     const bool isTarget = request.value == "TARGET";
     if (!whole.count(request.value) && !begun.count(request.value) && !isTarget) return std::nullopt;

@@ -4,6 +4,7 @@
 
 #include "cli/Options.h"
 #include "host/Variables.h"
+#include "labels/Label_Type.h"
 
 namespace vornex {
 
@@ -54,6 +55,11 @@ void addIndexOptions(CLI::App& app, Template_Index& index) {
     addNumber(app, "--index", "N", index.number, -std::numeric_limits<int>::max(), std::numeric_limits<int>::max(),
               "The index that takes the place of %% in a template; without it 0.");
     addFlag(app, "--wrap", index.mayWrap, "Let an index past the end of its array go on in other elements.");
+}
+
+void addViewOption(CLI::App& app, std::string& word) {
+    addWord(app, "--as", "TYPE", viewWords(), word,
+            "The view, in place of the label file's: u16, f32, hex, text, ... or a type's name: INT, REAL, ...");
 }
 
 void addRoundsOption(CLI::App& app, int& rounds) {

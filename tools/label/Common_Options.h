@@ -35,6 +35,8 @@ void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses);
 void addLabelArguments(CLI::App& app, std::vector<std::string>& labels);
 // --index and --wrap.
 void addIndexOptions(CLI::App& app, Template_Index& index);
+// --as: how the bytes are taken instead of the label file's view.
+void addViewOption(CLI::App& app, std::string& word);
 void addRoundsOption(CLI::App& app, int& rounds);
 void addIntervalOption(CLI::App& app, int& milliseconds);
 void addNoWaitOption(CLI::App& app, bool& noWait);

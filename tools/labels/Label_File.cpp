@@ -8,6 +8,8 @@
 #include "labels/Label_Csv.h"
 #include "labels/Label_Tree.h"
 #include "text/Host_Port.h"
+#include "text/Nearest_Word.h"
+#include "text/Number.h"
 #include "text/Text.h"
 #include "text/Text_Input.h"
 
@@ -61,10 +63,18 @@ std::string optionalText(const Place& place, const Json_Node& object, const char
 }
 
 std::uint32_t numberOf(const Place& place, const Json_Entry& entry, std::int64_t lowest) {
-    const std::int64_t value = entry.value.integer;
-    if (entry.value.kind != Json_Node::Kind::Integer || value < lowest || value >= std::int64_t(AddressSpace)) {
-        place.fail(entry.line,
-                   "\"" + entry.key + "\" is not a whole number from " + std::to_string(lowest) + " to 4294967295");
+    std::int64_t value = entry.value.integer;
+    bool isWhole = entry.value.kind == Json_Node::Kind::Integer;
+    if (entry.value.kind == Json_Node::Kind::String) {  // JSON has no hexadecimal numbers
+        try {
+            value = static_cast<std::int64_t>(unsignedNumber(entry.value.text, 0, AddressSpace - 1));
+            isWhole = true;
+        } catch (const std::invalid_argument&) {
+        }
+    }
+    if (!isWhole || value < lowest || value >= std::int64_t(AddressSpace)) {
+        place.fail(entry.line, "\"" + entry.key + "\" is not a whole number from " + std::to_string(lowest) +
+                                   " to 4294967295, such as 100 or \"0x64\"");
     }
     return static_cast<std::uint32_t>(value);
 }
@@ -141,9 +151,8 @@ Struct_Type readStruct(const Place& file, const Json_Entry& entry) {
     const Place place = file.about("structure", entry.key);
     requireKind(place, entry.value, Json_Node::Kind::Object, "it");
     checkName(place, entry.line, entry.key);
-    if (entry.key.find_first_not_of("0123456789") == std::string::npos || entry.key.find('/') != std::string::npos) {
-        place.fail(entry.line, "a structure's name is not a number and has no '/'");
-    }
+    const std::string problem = structNameProblem(entry.key);
+    if (!problem.empty()) place.fail(entry.line, problem);
     checkKeys(place, entry.value, {"size", "members"});
     Struct_Type type;
     type.name = entry.key;
@@ -196,11 +205,21 @@ void checkMembers(const Label_File& file, const Place& place) {
     }
 }
 
+[[noreturn]] void unknownType(const Label_File& file, const Place& place, const Label& label) {
+    std::vector<std::string> known;
+    for (const auto& entry : file.structs)
+        known.push_back(entry.first);
+    for (const Type_Name& type : typeNames())
+        known.push_back(type.name);
+    place.fail(label.line, "neither a type nor a structure is called '" + label.type.structName + "'" +
+                               didYouMean(label.type.structName, known));
+}
+
 // Checks that need all structures: the type exists, the whole array fits below `limit`.
 void checkExtent(const Label_File& file, const Place& place, const Label& label, std::uint64_t limit,
                  const std::string& limitName) {
     const std::uint64_t bytes = elementBytes(file, label.type);
-    if (bytes == 0) place.fail(label.line, "unknown structure '" + label.type.structName + "'");
+    if (bytes == 0) unknownType(file, place, label);
     const std::uint64_t count = elementCount(label.type);
     if (label.at > limit || count > (limit - label.at) / bytes) {
         place.fail(label.line, std::to_string(count) + " x " + std::to_string(bytes) + " bytes at " +

@@ -11,27 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "labels/Views.h"
+#include "labels/Label_Type.h"
 #include "text/File_Error.h"
 
 namespace vornex {
-
-// Inclusive bounds of one array dimension.
-struct Index_Bounds {
-    int low = 0;
-    int high = 0;
-};
-inline std::uint64_t extentOf(const Index_Bounds& bounds) {
-    return static_cast<std::uint64_t>(std::int64_t(bounds.high) - bounds.low + 1);
-}
-
-// "4[0..2,0..3]/16": an elementary type code or a structure's name, bounds, radix of the indexes.
-struct Type_Ref {
-    int code = 0;                      // 1 to 11, or 12 for a structure
-    std::string structName;            // set for code 12
-    std::vector<Index_Bounds> bounds;  // outermost first; empty: not an array
-    int radix = 10;
-};
 
 struct Label {
     std::string name;
@@ -69,26 +52,24 @@ Label_File parseLabels(const std::string& text, const std::string& path);
 // The same for JSON in memory; `path` is only for messages.
 Label_File parseLabelFile(const std::string& text, const std::string& path);
 
-// "MotorT[1..4]/16" as in the file. Throws std::invalid_argument with the reason.
-Type_Ref parseType(const std::string& text);
-std::string formatType(const Type_Ref& type);
 // Of an elementary label or member; never Default.
 View viewOf(const Label& label);
 
-// Bytes of one element: 1 1 2 2 4 4 4 8 8 255 255 for codes 1 to 11; the structure's size for code 12.
+// Bytes of one element: 1 1 2 2 4 4 4 8 8 255 255 for codes 1 to 11, n for STRING(n); the structure's size for code 12.
 std::uint32_t elementBytes(const Label_File& file, const Type_Ref& type);
-// Elements of the whole array, 1 when it is none.
-std::uint64_t elementCount(const Type_Ref& type);
 
 // An elementary variable, as reached by a full label text: "Motors[2].Speed", "Grid[1,3]" or "Buf[1A]" (radix 16).
 struct Leaf {
-    std::string text;                   // the label text that the driver resolves
+    std::string text;                   // as people write it
     const Label* definition = nullptr;  // the label or member that ends the path
     std::uint32_t address = 0;
     int code = 0;               // 1 to 11
     std::uint32_t bytes = 0;    // of one element
     View view = View::Default;  // resolved: never Default
 };
+// The label text that the driver resolves to the element's first byte. It is the element's own text, but for an element
+// of an array of STRING(n): to the driver that is an array of bytes with one dimension more.
+std::string driverLabel(const Leaf& leaf);
 
 // Bytes of one value: the driver hands out, and takes, no more at once.
 constexpr std::uint64_t LongestValue = 16u << 20;
@@ -116,6 +97,8 @@ std::uint64_t elementsIn(const Label_File& file);
 bool leadsOnFrom(const std::string& path, const std::string& text);
 // The element of this label text.
 std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text);
+// driverLabel() of the element that this text names; other texts, templates too, stay as they are.
+std::string driverSpelling(const Label_File& file, const std::string& text);
 // What the tools keep in memory at once.
 constexpr std::size_t MostElementsHeld = 1000000;
 // Throws the File_Error that says so.

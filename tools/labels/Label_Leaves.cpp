@@ -175,6 +175,24 @@ std::uint64_t elementsIn(const Label_File& file) {
     return sum(file.labels);
 }
 
+std::uint32_t elementBytes(const Label_File& file, const Type_Ref& type) {
+    if (type.textBytes > 0) return type.textBytes;
+    if (type.code >= 1 && type.code <= 11) return elementType(type.code).bytes;
+    const auto found = file.structs.find(type.structName);
+    return found == file.structs.end() ? 0 : found->second.size;
+}
+
+View viewOf(const Label& label) {
+    if (label.view != View::Default) return label.view;
+    return label.type.name ? label.type.name->view : elementType(label.type.code).view;
+}
+
+std::string driverLabel(const Leaf& leaf) {
+    const Type_Ref& type = leaf.definition->type;
+    if (type.textBytes == 0 || type.bounds.empty()) return leaf.text;
+    return leaf.text.substr(0, leaf.text.size() - 1) + ",0]";
+}
+
 bool leadsOnFrom(const std::string& path, const std::string& text) {
     if (text.compare(0, path.size(), path) != 0) return false;
     return text.size() == path.size() || text[path.size()] == '.' || text[path.size()] == '[';
@@ -190,6 +208,11 @@ std::optional<Leaf> findLeaf(const Label_File& file, const std::string& text) {
     };
     forEachLeaf(file, take, filter);
     return found;
+}
+
+std::string driverSpelling(const Label_File& file, const std::string& text) {
+    const std::optional<Leaf> leaf = findLeaf(file, text);
+    return leaf ? driverLabel(*leaf) : text;
 }
 
 void refuseSoMany(const Label_File& file) { throw File_Error(file.path + ": more than a million elements"); }

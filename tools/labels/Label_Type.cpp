@@ -1,8 +1,9 @@
-// Types, bounds and views as the label file writes them.
+#include "labels/Label_Type.h"
+
 #include <algorithm>
 #include <limits>
+#include <stdexcept>
 
-#include "labels/Label_File.h"
 #include "text/Number.h"
 #include "text/Text.h"
 
@@ -15,46 +16,115 @@ Index_Bounds parseBounds(const std::string& text) {
     const auto bound = [](const std::string& number) {
         // the driver is told one past the highest index
         constexpr int Most = std::numeric_limits<int>::max() - 1;
-        return wholeNumber<int>(number, std::numeric_limits<int>::min(), Most, "index bound");
+        return wholeNumber<int>(trimmed(number), std::numeric_limits<int>::min(), Most, "index bound");
     };
     const Index_Bounds bounds = {bound(text.substr(0, dots)), bound(text.substr(dots + 2))};
     if (bounds.high < bounds.low) throw std::invalid_argument("index bounds '" + text + "' are upside down");
     return bounds;
 }
 
-void parseBase(const std::string& text, Type_Ref& type) {
+bool isNumber(const std::string& text) { return text.find_first_not_of("0123456789") == std::string::npos; }
+
+// Whether a text begins with this word, in upper or lower case, and something other than a name goes on behind it.
+bool beginsWithWord(const std::string& text, const std::string& word) {
+    if (lowered(text.substr(0, word.size())) != word) return false;
+    return text.size() == word.size() || std::string(" \t[").find(text[word.size()]) != std::string::npos;
+}
+
+// "STRING(20)"; false for another type's text.
+bool parseText(const std::string& text, Type_Ref& type) {
+    const std::size_t open = text.find('(');
+    if (open == std::string::npos) return false;
+    const Type_Name* const name = findTypeName(trimmed(text.substr(0, open)));
+    if (!name || name->code < 10 || text.back() != ')') {
+        throw std::invalid_argument("'" + text + "' is no type; a text of n bytes is STRING(n)");
+    }
+    const std::string length = trimmed(text.substr(open + 1, text.size() - open - 2));
+    type.textBytes = wholeNumber<std::uint32_t>(length, 1, LongestText, "length of a STRING");
+    type.code = 1;
+    type.name = name;
+    return true;
+}
+
+void parseElement(const std::string& text, Type_Ref& type) {
     if (text.empty()) throw std::invalid_argument("the type is missing");
-    if (text.find_first_not_of("0123456789") != std::string::npos) {
+    if (isNumber(text)) {
+        type.code = wholeNumber(text, 1, 11, "type code (a structure goes by its name)");
+    } else if (const Type_Name* const name = findTypeName(text)) {
+        type.code = name->code;
+        type.name = name;
+    } else if (!parseText(text, type)) {
         type.code = 12;
         type.structName = text;
-        return;
     }
-    type.code = wholeNumber(text, 1, 11, "type code (a structure goes by its name)");
+}
+
+// "[1..4, 0..2]" at this place; returns the place behind it.
+std::size_t parseGroup(const std::string& text, std::size_t open, Type_Ref& type) {
+    const std::size_t close = text.find(']', open);
+    if (close == std::string::npos) throw std::invalid_argument("']' is missing in '" + text + "'");
+    for (const std::string& bounds : splitTrimmed(text.substr(open + 1, close - open - 1), ','))
+        type.bounds.push_back(parseBounds(bounds));
+    return close + 1;
+}
+
+void parseParts(const std::string& text, Type_Ref& type);
+
+// "ARRAY [1..4] OF INT"
+void parseArray(const std::string& text, Type_Ref& type) {
+    const std::size_t open = text.find_first_not_of(" \t", 5);
+    if (open == std::string::npos || text[open] != '[') {
+        throw std::invalid_argument("'" + text + "' is not ARRAY [LOW..HIGH] OF TYPE");
+    }
+    const std::string rest = trimmed(text.substr(parseGroup(text, open, type)));
+    if (!beginsWithWord(rest, "of") || rest.size() < 4) {
+        throw std::invalid_argument("OF and a type are missing behind the index bounds of '" + text + "'");
+    }
+    parseParts(trimmed(rest.substr(2)), type);
+}
+
+// Without a radix.
+void parseParts(const std::string& text, Type_Ref& type) {
+    if (beginsWithWord(text, "array")) return parseArray(text, type);
+    const std::size_t open = text.find('['), star = text.find('*');
+    parseElement(trimmed(text.substr(0, std::min(open, star))), type);
+    if (star < open) {
+        constexpr int Most = std::numeric_limits<int>::max() - 1;
+        type.bounds.push_back({0, wholeNumber<int>(trimmed(text.substr(star + 1)), 1, Most, "number of elements") - 1});
+    } else if (open != std::string::npos) {
+        const std::string rest = trimmed(text.substr(parseGroup(text, open, type)));
+        if (!rest.empty()) throw std::invalid_argument("'" + rest + "' after the index bounds is not /RADIX");
+    }
 }
 
 }  // namespace
 
+const Type_Name* findTypeName(const std::string& name) {
+    const std::string wanted = lowered(name);
+    const auto& all = typeNames();
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const Type_Name& known) { return lowered(known.name) == wanted; });
+    return found == all.end() ? nullptr : &*found;
+}
+
 Type_Ref parseType(const std::string& text) {
     Type_Ref type;
-    const std::size_t open = text.find('[');
-    parseBase(text.substr(0, std::min(open, text.find('/'))), type);
-    if (open == std::string::npos) {
-        if (text.find('/') != std::string::npos) throw std::invalid_argument("a radix needs index bounds before it");
-        return type;
-    }
-    const std::size_t close = text.find(']', open);
-    if (close == std::string::npos) throw std::invalid_argument("']' is missing in '" + text + "'");
-    for (const std::string& bounds : split(text.substr(open + 1, close - open - 1), ','))
-        type.bounds.push_back(parseBounds(bounds));
-    const std::string rest = text.substr(close + 1);
-    if (rest.empty()) return type;
-    if (rest[0] != '/') throw std::invalid_argument("'" + rest + "' after the index bounds is not /RADIX");
-    type.radix = wholeNumber(rest.substr(1), 2, 36, "radix");
+    const std::size_t slash = text.find('/');
+    parseParts(trimmed(text.substr(0, slash)), type);
+    if (slash == std::string::npos) return type;
+    if (type.bounds.empty()) throw std::invalid_argument("a radix needs index bounds before it");
+    type.radix = wholeNumber(trimmed(text.substr(slash + 1)), 2, 36, "radix");
     return type;
 }
 
+std::string elementName(const Type_Ref& type) {
+    if (type.code == 12) return type.structName;
+    if (!type.name) return std::to_string(type.code);
+    return type.textBytes == 0 ? type.name->name : type.name->name + ("(" + std::to_string(type.textBytes) + ")");
+}
+
 std::string formatType(const Type_Ref& type) {
-    std::string text = type.code == 12 ? type.structName : std::to_string(type.code);
+    std::string text = elementName(type);
     const char* before = "[";
     for (const Index_Bounds& bounds : type.bounds) {
         text += before + std::to_string(bounds.low) + ".." + std::to_string(bounds.high);
@@ -65,12 +135,12 @@ std::string formatType(const Type_Ref& type) {
     return text;
 }
 
-View viewOf(const Label& label) { return label.view == View::Default ? elementType(label.type.code).view : label.view; }
-
-std::uint32_t elementBytes(const Label_File& file, const Type_Ref& type) {
-    if (type.code >= 1 && type.code <= 11) return elementType(type.code).bytes;
-    const auto found = file.structs.find(type.structName);
-    return found == file.structs.end() ? 0 : found->second.size;
+std::string structNameProblem(const std::string& name) {
+    if (isNumber(name) || name.find_first_of("/*()") != std::string::npos || name != trimmed(name)) {
+        return "a structure's name is not a number, has no '/', '*', '(' or ')' and no blanks at its ends";
+    }
+    if (findTypeName(name) || beginsWithWord(name, "array")) return "a structure cannot have the name of a type";
+    return "";
 }
 
 std::uint64_t elementCount(const Type_Ref& type) {
@@ -83,6 +153,18 @@ std::uint64_t elementCount(const Type_Ref& type) {
         count *= extent;
     }
     return count;
+}
+
+std::vector<std::string> viewWords() {
+    std::vector<std::string> words = viewNames();
+    for (const Type_Name& type : typeNames())
+        words.push_back(type.name);
+    return words;
+}
+
+std::optional<View> parseViewWord(const std::string& word) {
+    const Type_Name* const type = findTypeName(word);
+    return type ? type->view : parseView(word);
 }
 
 }  // namespace vornex

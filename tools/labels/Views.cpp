@@ -1,5 +1,7 @@
 #include "labels/Views.h"
 
+#include "labels/Label_Type.h"
+
 namespace vornex {
 namespace {
 
@@ -47,6 +49,29 @@ std::vector<std::string> viewNames() {
 const char* kindName(Kind kind) {
     constexpr const char* Names[] = {"unsigned", "signed", "float", "bool", "hex", "text", "bytes"};
     return Names[static_cast<std::size_t>(kind)];
+}
+
+const std::vector<Type_Name>& typeNames() {
+    static const std::vector<Type_Name> names = {
+        {"BOOL", 1, View::Bool, "true or false, in a byte"},
+        {"BYTE", 1, View::Hex, "8 bits"},
+        {"SINT", 1, View::S8, "whole number with a sign"},
+        {"USINT", 1, View::U8, "whole number"},
+        {"CHAR", 1, View::Text, "a character"},
+        {"WORD", 3, View::Hex, "16 bits"},
+        {"INT", 4, View::S16, "whole number with a sign"},
+        {"UINT", 3, View::U16, "whole number"},
+        {"DWORD", 5, View::Hex, "32 bits"},
+        {"DINT", 6, View::S32, "whole number with a sign"},
+        {"UDINT", 5, View::U32, "whole number"},
+        {"REAL", 7, View::F32, "floating point"},
+        {"LWORD", 8, View::Hex, "64 bits"},
+        {"LINT", 9, View::S64, "whole number with a sign"},
+        {"ULINT", 8, View::U64, "whole number"},
+        {"LREAL", 9, View::F64, "floating point"},
+        {"STRING", 10, View::Text, "a text of 255 bytes, which can be read only"},
+    };
+    return names;
 }
 
 const Element_Type& elementType(int code) { return ElementTypes[code]; }

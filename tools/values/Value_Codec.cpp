@@ -172,7 +172,12 @@ Value valueOf(View view, const std::string& bytes, std::size_t element) {
 }
 
 std::string typedText(View view, const Value& value) {
-    return view == View::Text && value.kind == Value::Kind::Text ? '"' + value.text + '"' : value.shown();
+    if (view != View::Text || value.kind == Value::Kind::Null) return value.shown();
+    if (value.kind == Value::Kind::Text) return '"' + value.text + '"';
+    std::string list;
+    for (const Value& item : value.items)
+        list += (list.empty() ? "\"" : ", \"") + joined(split(item.text, '"'), "\\x22") + '"';
+    return "[" + list + "]";
 }
 
 std::string bytesOfText(const std::string& text) {
@@ -194,11 +199,26 @@ std::optional<bool> truthOf(const std::string& word) {
     return std::nullopt;
 }
 
+std::vector<std::string> itemsOfList(const std::string& text) {
+    if (text.size() < 2 || text.back() != ']') throw std::invalid_argument("the list has no closing ]");
+    std::vector<std::string> items(1);
+    bool isQuoted = false;
+    for (const char letter : text.substr(1, text.size() - 2)) {
+        if (letter == '"') isQuoted = !isQuoted;
+        if (letter == ',' && !isQuoted)
+            items.emplace_back();
+        else
+            items.back() += letter;
+    }
+    for (std::string& item : items)
+        item = trimmed(item);
+    return items;
+}
+
 std::string bytesOfList(View view, std::size_t size, const std::string& text) {
     const std::size_t width = viewEntry(view).width != 0 ? viewEntry(view).width : size;
-    if (text.size() < 2 || text.back() != ']') throw std::invalid_argument("the list has no closing ]");
     std::string bytes;
-    for (const std::string& value : splitTrimmed(text.substr(1, text.size() - 2), ','))
+    for (const std::string& value : itemsOfList(text))
         bytes += oneValueBytes(view, width, value);
     return bytes;
 }

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "labels/Views.h"
 #include "values/Value.h"
@@ -22,14 +23,16 @@ namespace vornex {
 // nan(0x7FA00000).
 Value valueOf(View view, const std::string& bytes, std::size_t element = 0);
 
-// As it is typed in, and as people read it: a text in quotes.
+// As it is typed in, and as people read it: a text in quotes, also in a list of texts, where a quote is \x22.
 std::string typedText(View view, const Value& value);
 
 // The bytes of one element of `size` bytes: decimal, 0x, floats, true/on/1 and false/off/0 in upper or lower case, a
 // text with or without quotes, "01 F4", and a list "[1, 2]" of as many values as it takes to fill the element.
 // Throws std::invalid_argument with the reason: no such value, out of range, too long, too few or many values.
 std::string bytesOf(View view, std::size_t size, const std::string& text);
-// The bytes of a list "[1, 2, 3]", of any number of values; `size` as above.
+// What stands between the commas of "[1, 2, "a, b"]"; those in quotes are no commas. Throws std::invalid_argument.
+std::vector<std::string> itemsOfList(const std::string& text);
+// The bytes of such a list, of any number of values; `size` as above.
 std::string bytesOfList(View view, std::size_t size, const std::string& text);
 
 // The bytes of a text, as many as it has.

@@ -52,7 +52,7 @@ public:
     bool check(const std::string& text, const Leaf* leaf) {
         // The driver keeps every text it has resolved until it gets definitions.
         if (++checked % KeptTexts == 0) passLabels();
-        Outcome outcome = ask(text);
+        Outcome outcome = ask(leaf ? driverLabel(*leaf) : driverSpelling(tool.labels(), text));
         std::string reason;
         std::optional<Label_Problem> problem;
         if (!outcome.good) {
@@ -78,7 +78,7 @@ private:
     void refuseCarry(const std::string& text, Outcome& outcome, std::string& reason) {
         const int number = index.number.value_or(0);
         const auto plain = templateText(tool.labels(), text, number);
-        if (plain && ask(*plain).address == outcome.address) return;
+        if (plain && ask(driverSpelling(tool.labels(), *plain)).address == outcome.address) return;
         outcome.good = false;
         reason = "index " + std::to_string(number) + " leaves the array and would become " + outcome.resolved;
     }

@@ -47,7 +47,7 @@ bool matchesAny(const std::vector<std::string>& patterns, const std::string& pat
 }
 
 std::string typeName(const Type_Ref& type) {
-    const std::string name = type.code == 12 ? type.structName : std::to_string(type.code);
+    const std::string name = elementName(type);
     return type.radix == 10 ? name : name + "/" + std::to_string(type.radix);
 }
 
@@ -133,11 +133,12 @@ private:
 
 void printElement(Tool& tool, const Leaf& leaf, std::size_t width) {
     const std::string& unit = leaf.definition->unit;
+    const std::string type = elementName(leaf.definition->type);
     Row row;
-    row.add(key::label, leaf.text).add(key::type, std::to_string(leaf.code)).add(key::view, viewName(leaf.view));
+    row.add(key::label, leaf.text).add(key::type, type).add(key::view, viewName(leaf.view));
     row.add(key::address, leaf.address).add(key::bytes, leaf.bytes).add(key::unit, unit);
-    tool.out.row(row, padded(leaf.text, width) + "  " + padded(std::to_string(leaf.code), 4) + "  " +
-                          padded(viewName(leaf.view), 5) + padded(std::to_string(leaf.address), 9, Align::Right) +
+    tool.out.row(row, padded(leaf.text, width) + "  " + padded(type, 5) + "  " + padded(viewName(leaf.view), 5) +
+                          padded(std::to_string(leaf.address), 9, Align::Right) +
                           padded(std::to_string(leaf.bytes), 10, Align::Right) + (unit.empty() ? "" : "  " + unit));
 }
 

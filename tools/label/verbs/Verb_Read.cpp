@@ -21,7 +21,7 @@ struct Read_Options {
 
 View chosenView(const Read_Options& options, const Variable& variable) {
     if (options.hex) return View::Hex;
-    return options.view.empty() ? variable.view : parseView(options.view).value();
+    return options.view.empty() ? variable.view : parseViewWord(options.view).value();
 }
 
 void checkCount(const Variable& variable, std::uint32_t count) {
@@ -102,7 +102,7 @@ void addReadVerb(Verbs& verbs) {
     addLabelArguments(verb, own->labels);
     addNumber(verb, "-c,--count", "N", own->count, 1, 1000000, "Elements to read from each label on, shown as a list.");
     addIndexOptions(verb, own->index);
-    addChoice(verb, "--as", viewNames(), own->view, "How to see the bytes, instead of the label file's view.");
+    addViewOption(verb, own->view);
     addFlag(verb, "--hex", own->hex, "The same as --as hex.");
 }
 

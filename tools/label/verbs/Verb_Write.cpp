@@ -49,7 +49,7 @@ Write_Plan planOf(Session& session, const Label_File& file, const Write_Options&
                                                std::to_string(plan.variable.range.code) +
                                                ", which the driver can read but not write");
     }
-    plan.view = options.view.empty() ? plan.variable.view : parseView(options.view).value();
+    plan.view = options.view.empty() ? plan.variable.view : parseViewWord(options.view).value();
     try {
         plan.bytes = bytesOfValue(plan.variable, plan.view, wholeArray, text.substr(equals + 1));
     } catch (const std::invalid_argument& mistake) {
@@ -207,7 +207,7 @@ void addWriteVerb(Verbs& verbs) {
     addArgument(verb, "ASSIGNMENT", own->assignments, "LABEL=VALUE: what to write.", Need::Must);
     addFlag(verb, "--verify", own->verify, "Read everything back and compare; exit 5 when it differs.");
     addFlag(verb, "--dry-run", own->dryRun, "Show address, bytes and frame; send nothing.");
-    addChoice(verb, "--as", viewNames(), own->view, "How to read the values, instead of the label file's view.");
+    addViewOption(verb, own->view);
     addIndexOptions(verb, own->index);
 }
 
