@@ -15,14 +15,6 @@ enum { PlainDigits = 6 };
 // Letters, digits and all that is not ASCII: what names are made of.
 bool isOfNames(ushort character) { return character > ']' || (character >= '0' && character <= 'Z'); }
 
-bool isName(const Text_View& text) {
-    const QChar* const end = text.begin + text.size;
-    const QChar* at = text.begin;
-    while (at != end && isOfNames(at->unicode()))
-        ++at;
-    return at == end;
-}
-
 // The brackets met in one segment.
 struct Brackets {
     int open;     // where the last "[" stands in the segment, or -1
@@ -77,6 +69,14 @@ bool hasMark(const QString& text) {
     for (int i = 1; i < text.size(); ++i)
         if (text.at(i) == QLatin1Char('%') && text.at(i - 1) == QLatin1Char('%')) return true;
     return false;
+}
+
+bool isName(const Text_View& text) {
+    const QChar* const end = text.begin + text.size;
+    const QChar* at = text.begin;
+    while (at != end && isOfNames(at->unicode()))
+        ++at;
+    return at == end;
 }
 
 Label_Kind splitLabel(const QString& label, Label_Path& path) {

@@ -48,6 +48,9 @@ enum Label_Kind {
     LabelTemplate,  // holds the mark "%%"
 };
 
+// Whether splitLabel finds a name alone, told by characters that only names hold: false says nothing.
+bool isName(const Text_View& text);
+
 // Appends the segments of a label to `path`, but not those of a name alone; `label` has to outlive it. Looks at each
 // character once, since many labels are resolved in a row.
 Label_Kind splitLabel(const QString& label, Label_Path& path);

@@ -4,12 +4,39 @@
 
 namespace {
 
+// Ends a path on an elementary type.
+void setElement(int typeCode, unsigned int element, ControlInformationM& info) {
+    info.typeCode = static_cast<quint8>(typeCode);
+    info.address += element * static_cast<unsigned int>(elementSize(typeCode));
+}
+
+bool isElement(const Label_Type_Info& entry) {
+    return (entry.typeFlags & (LabelIsArray | LabelIsStructType)) == 0 && isElementary(entry.typeFlags & LabelTypeMask);
+}
+
+// What a name alone refers to, when that is of an elementary type.
+bool resolveElement(const Label_Type_Info& entry, ControlInformationM& info) {
+    if (!isElement(entry)) return false;
+    info.address = entry.address;
+    setElement(entry.typeFlags & LabelTypeMask, 0, info);
+    return true;
+}
+
+// The same by its text, as for nearly every label; false when the label is something else. Whoever knows that the table
+// holds nothing but names need not look at the characters.
+bool resolveElementName(const QHash<QString, Label_Type_Info>& table, bool onlyNames, const QString& label,
+                        ControlInformationM& info) {
+    if (label.isEmpty() || !(onlyNames || isName(viewOf(label)))) return false;
+    const QHash<QString, Label_Type_Info>::const_iterator entry = table.constFind(label);
+    return entry != table.constEnd() && resolveElement(*entry, info);
+}
+
 // The label table as it is now. An implicitly shared copy: taking it costs one counter, whatever the table holds, and
 // the walk needs no lock. It is given back under the lock: a delivery that finds itself the only owner changes the
 // table in place, and nothing but the lock orders that behind the reads of the walk.
 class Table_Snapshot {
 public:
-    Table_Snapshot() : generation_(0) {}
+    Table_Snapshot() : generation_(0), onlyNames_(false) {}
     ~Table_Snapshot() {
         if (table_.isEmpty()) return;
         const Mutex_Lock lock(PLC_driver.labelMutex);
@@ -19,6 +46,7 @@ public:
     void take() REQUIRES(PLC_driver.labelMutex) {
         table_ = PLC_driver.labelTable;
         generation_ = PLC_driver.labelGeneration;
+        onlyNames_ = PLC_driver.onlyNames;
     }
     void giveBack() REQUIRES(PLC_driver.labelMutex) { table_ = QHash<QString, Label_Type_Info>(); }
 
@@ -26,6 +54,10 @@ public:
     const Label_Type_Info* find(const QString& name) const {
         const QHash<QString, Label_Type_Info>::const_iterator found = table_.constFind(name);
         return found == table_.constEnd() ? nullptr : &*found;
+    }
+
+    bool resolveName(const QString& label, ControlInformationM& info) const {
+        return resolveElementName(table_, onlyNames_, label, info);
     }
 
     // A walk through definitions that were replaced meanwhile must not reach the emptied cache.
@@ -39,6 +71,7 @@ public:
 private:
     QHash<QString, Label_Type_Info> table_;
     quint32 generation_;
+    bool onlyNames_;
 };
 
 QString firstName(const QStringList& path) {
@@ -46,16 +79,6 @@ QString firstName(const QStringList& path) {
     QString indexList;
     get_label_address_array_split(name, indexList);
     return name;
-}
-
-// Ends a path on an elementary type.
-void setElement(int typeCode, unsigned int element, ControlInformationM& info) {
-    info.typeCode = static_cast<quint8>(typeCode);
-    info.address += element * static_cast<unsigned int>(elementSize(typeCode));
-}
-
-bool isElement(const Label_Type_Info& entry) {
-    return (entry.typeFlags & (LabelIsArray | LabelIsStructType)) == 0 && isElementary(entry.typeFlags & LabelTypeMask);
 }
 
 // The walk: `entry` is what the first segment of `path` refers to.
@@ -100,13 +123,10 @@ int resolveByTable(const Label_Text& label, const Table_Snapshot& table, Control
     const Label_Type_Info* const entry =
         label.kind == LabelName ? table.find(label.text) : table.find(textOf(label.path.at(0).name));
     if (entry == nullptr) return LabelUnknown;
+    if (label.kind == LabelName && resolveElement(*entry, info)) return LabelOk;
     info.typeCode = 0;  // an entry without a type sets none, and callers must see that
     info.address = entry->address;
     if (label.kind != LabelName) return walk(*entry, label.path, info);
-    if (isElement(*entry)) {  // as nearly every name is
-        setElement(entry->typeFlags & LabelTypeMask, 0, info);
-        return LabelOk;
-    }
     Label_Path whole;
     whole.append(splitSegment(viewOf(label.text)));
     return walk(*entry, whole, info);
@@ -121,6 +141,13 @@ int resolveUncached(const Label_Text& label, Table_Snapshot& table, ControlInfor
     return result;
 }
 
+// Needs no copy of the table.
+bool resolveAndCacheName(const QString& label, ControlInformationM& info) REQUIRES(PLC_driver.labelMutex) {
+    if (!resolveElementName(PLC_driver.labelTable, PLC_driver.onlyNames, label, info)) return false;
+    PLC_driver.labelCache.insert(label, info);
+    return true;
+}
+
 int resolve(const QString& label, ControlInformationM& info) {
     Table_Snapshot table;
     {
@@ -130,6 +157,7 @@ int resolve(const QString& label, ControlInformationM& info) {
             info = *cached;
             return LabelOk;
         }
+        if (resolveAndCacheName(label, info)) return LabelOk;
         table.take();
     }
     return resolveUncached(Label_Text(label), table, info);
@@ -175,6 +203,7 @@ Host_Label resolveHostLabel(QString& label, const QString& labelIndex, ControlIn
             info = *cached;
             return HostLabelResolved;
         }
+        if (resolveAndCacheName(label, info)) return HostLabelResolved;
         table.take();
     }
     int result = LabelOk;
@@ -206,12 +235,15 @@ void resolveUncached(Label_Run& run, QHash<int, QString>& rewritten) {
     QVarLengthArray<const Label_In_Run*, LabelRunLength> fresh;  // what the cache is to take in
     for (int i = 0; i < run.size(); ++i) {
         Label_In_Run& entry = run[i];
-        const Label_Text text(*entry.label);
-        if (text.kind == LabelTemplate) {
-            resolveTemplate(entry, rewritten);
-            continue;
+        entry.isResolved = table.resolveName(*entry.label, entry.info);
+        if (!entry.isResolved) {
+            const Label_Text text(*entry.label);
+            if (text.kind == LabelTemplate) {
+                resolveTemplate(entry, rewritten);
+                continue;
+            }
+            entry.isResolved = resolveByTable(text, table, entry.info) == LabelOk;
         }
-        entry.isResolved = resolveByTable(text, table, entry.info) == LabelOk;
         if (entry.isResolved) fresh.append(&entry);
     }
     const Mutex_Lock lock(PLC_driver.labelMutex);

@@ -127,6 +127,19 @@ const struct {
     {"Type", 0, 3, 5},  // a structure type as a label is searched for its own name
 };
 
+// An entry whose name looks like a path is never found by it: the text is taken apart first.
+TEST_F(Labels, anEntryNamedLikeAPathHidesNothing) {
+    for (const char* pass : {"known before", "known since"}) {
+        ControlInformationM info;
+        EXPECT_EQ(0, get_label_address(text("Speed.y"), info)) << pass;
+        EXPECT_EQ(100u, info.address) << pass;
+        QList<Label_Type_Info> later = {makeLabel("Speed.y", 5, 9000), makeLabel("New", 5, 9100)};
+        PassVarName_2(&later);
+        EXPECT_EQ(0, get_label_address(text("New"), info)) << pass;
+        EXPECT_EQ(9100u, info.address) << pass;
+    }
+}
+
 TEST_F(Labels, resolution) {
     for (const auto& row : Resolutions)
         for (const char* pass : {"walked", "cached"}) {
