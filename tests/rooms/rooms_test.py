@@ -15,7 +15,7 @@ import tempfile
 
 TABLE = "scripts/rooms.toml"
 DOCUMENT = "docs/architecture.md"
-RULES = {"table", "room", "direction", "others", "include", "folder", "length", "drawing"}
+RULES = {"table", "room", "direction", "others", "include", "folder", "length", "function", "drawing"}
 LAST = None  # the line that is added to a file
 
 # A header to include stands in each of these, so that a row is one file and what is said of it.
@@ -68,6 +68,12 @@ FILES = [
     ("tools/label/new/New.h:1", "", "room", "the folder tools/label/new belongs to no room"),
     ("src/New.cpp:1", "", "room", "the folder src belongs to no room"),
     ("tools/text/New.cpp:400", "// a line\n" * 399, "length", "the file is longer than"),
+    ("tools/text/New.cpp:4", "#include <string>\n\n// not the comment\nint f() {\n" + "    g();\n" * 39 + "}", "function",
+     "the function has 41 lines, at most 40"),
+    ("tools/text/New.h:2", "struct New {\n    New(\n        int b) : a{b} {\n" + "        g();\n" * 38 + "    }\n    int a;\n};",
+     "function", "the function has 41 lines"),
+    ("src/base/New.cpp:2", "\nint operator==(\n    const char* a = \"{\") {\n" + "    do { g(); } while (h());\n" * 58 + "}",
+     "function", "the function has 61 lines, at most 60"),
     ("tests/New_Test.cpp:301", "// a line\n" * 300, "length", "the file is longer than 300 lines"),
 ]
 
@@ -97,6 +103,9 @@ HARMLESS = [
     '/*\n#include "labels/Planted.h"\n*/',
     'const char* raw = R"(\n#include "labels/Planted.h"\n)";',
     '#include <vector>\n#include "Planted.h"\n#include <nlohmann/json.hpp>\n',
+    "int f() {\n" + "    g();\n" * 38 + "}\n",
+    "const int Table[] = {\n" + "    1,\n" * 50 + "};\n",
+    "struct Long {\n" + "    int f() { return g({1}); }\n" * 50 + "};\n",
 ]
 
 
