@@ -4,7 +4,6 @@
 #include "text/Hex.h"
 #include "wire/Check_Value.h"
 #include "wire/Frame_Reader.h"
-#include "wire/Frame_Writer.h"
 
 namespace vornex {
 namespace {
@@ -83,7 +82,7 @@ TEST(Frame_Reader, takesAReplyOnlyForWhatWasAsked) {
     EXPECT_FALSE(readReply("\x02\x40"));
 }
 
-TEST(Frame_Writer, repliesAsTheControllerDoes) {
+TEST(Frame, repliesAsTheControllerDoes) {
     Reply reply = emptyReply(*readRequest(bytesOfHex("02 06 00 41 00 10 00 00 04 00 11 29")));
     reply.items.push_back({4, bytesOfHex("11 22 33 44")});
     EXPECT_EQ(hexBytes(encodeReply(reply)), "02 06 00 41 04 00 11 22 33 44 1D 3A");

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "values/Keys.h"
-#include "wire/Frame_Writer.h"
 
 namespace vornex::sim {
 

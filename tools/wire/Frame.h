@@ -1,4 +1,5 @@
-// Requests and replies as records, and the sizes of what they are made of. docs/wire-format.md draws them.
+// Requests and replies as records and on their way to the wire, and the sizes of what they are made of.
+// docs/wire-format.md draws them.
 #ifndef VORNEX_WIRE_FRAME_H
 #define VORNEX_WIRE_FRAME_H
 
@@ -42,6 +43,13 @@ struct Reply {
 
 // Bytes of the whole reply to this request.
 std::size_t replyBytes(const Request& request);
+
+// The reply to this request before it has items. Its header mirrors a request's: start byte, length modulo 65536,
+// command.
+Reply emptyReply(const Request& request);
+
+// Header, items, rest and check value.
+std::string encodeReply(const Reply& reply);
 
 // "read 100+2 200+10", "write 100+2": the first ranges, and how many more there are.
 std::string requestText(const Request& request);

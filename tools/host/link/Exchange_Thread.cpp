@@ -221,9 +221,7 @@ Link_Fault Exchange_Thread::readyLink() {
 
 // Waits before an attempt to connect: the first one after a good reply comes at once, then 100 ms, doubled up to 2 s.
 bool Exchange_Thread::backOff() {
-    const Steady_Time until = now() + backOffTime;
-    while (waiting.until(until) == Wait_End::Woken) {
-    }
+    waiting.through(now() + backOffTime);
     backOffTime = std::clamp(backOffTime * 2, FirstBackOff, LongestBackOff);
     return !waiting.stopped();
 }

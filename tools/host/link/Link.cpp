@@ -26,19 +26,11 @@ bool laterPerhaps(int error) { return error == EAGAIN || error == EWOULDBLOCK ||
 
 }  // namespace
 
-// What was queued meanwhile is looked for after the operation.
-Wait_End Link::waitFor(short events, Steady_Time deadline) {
-    Wait_End end = Wait_End::Woken;
-    while (end == Wait_End::Woken)
-        end = wait.until(deadline, socket.get(), events);
-    return end;
-}
-
 Link_Fault Link::open(const Host_Port& target, Milliseconds timeout, Milliseconds settle) {
     close();
     Link_Fault fault = {connectAny(target, timeout)};
     if (fault) return fault;
-    if (waitFor(POLLIN, now() + settle) == Wait_End::Stopped)
+    if (wait.through(now() + settle, socket.get(), POLLIN) == Wait_End::Stopped)
         fault = {"interrupted"};
     else
         fault = unfit();
@@ -69,7 +61,7 @@ std::string Link::connect(const Socket_Address& address, Steady_Time deadline) {
     ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);  // slower without, but right
     if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address.bytes), address.size) == 0) return {};
     if (errno != EINPROGRESS) return std::strerror(errno);
-    if (waitFor(POLLOUT, deadline) != Wait_End::Ready) return "connecting takes longer";
+    if (wait.through(deadline, socket.get(), POLLOUT) != Wait_End::Ready) return "connecting takes longer";
     int error = 0;
     socklen_t size = sizeof error;
     if (::getsockopt(socket.get(), SOL_SOCKET, SO_ERROR, &error, &size) != 0) error = errno;
@@ -107,7 +99,7 @@ Transfer Link::exchange(const std::string& frame, std::size_t replyLength, Milli
 
 // Waits until the socket can go on; false when the exchange has ended instead.
 bool Link::step(short events, Steady_Time deadline, Transfer& transfer) {
-    const Wait_End end = waitFor(events, deadline);
+    const Wait_End end = wait.through(deadline, socket.get(), events);
     if (end == Wait_End::Ready) return true;
     transfer.state = end == Wait_End::Stopped ? Transfer_State::Interrupted : Transfer_State::TimedOut;
     if (end == Wait_End::Stopped) transfer.reason = "interrupted";

@@ -70,7 +70,6 @@ public:
     Transfer exchange(const std::string& frame, std::size_t replyLength, Milliseconds timeout);
 
 private:
-    Wait_End waitFor(short events, Steady_Time deadline);
     std::string connectAny(const Host_Port& target, Milliseconds timeout);
     std::string connect(const Socket_Address& address, Steady_Time deadline);
     bool step(short events, Steady_Time deadline, Transfer& transfer);

@@ -63,9 +63,7 @@ std::string Look_Up::find(const Host_Port& target, Steady_Time deadline, Wait_Po
             return running = nullptr, "no thread is left to look up a name";
         }
     }
-    Wait_End end = Wait_End::Woken;
-    while (end == Wait_End::Woken)
-        end = wait.until(deadline, running->finished.get(), POLLIN);
+    const Wait_End end = wait.through(deadline, running->finished.get(), POLLIN);
     if (end == Wait_End::Stopped) return "interrupted";
     if (end == Wait_End::TimedOut) return "the name '" + target.host + "' is still being looked up";
     found = running->found;

@@ -46,6 +46,13 @@ void Wait_Point::stop() {
     wake();
 }
 
+Wait_End Wait_Point::through(Steady_Time deadline, int descriptor, short events) {
+    Wait_End end = Wait_End::Woken;
+    while (end == Wait_End::Woken)
+        end = until(deadline, descriptor, events);
+    return end;
+}
+
 Wait_End Wait_Point::until(Steady_Time deadline, int descriptor, short events) {
     pollfd watched[] = {{bell.get(), POLLIN, 0}, {descriptor, events, 0}};
     const bool endless = deadline == Steady_Time::max();

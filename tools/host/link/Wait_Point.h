@@ -47,6 +47,8 @@ public:
 
     // One thread at a time. `events` are poll's; without a descriptor only the other three end the wait.
     Wait_End until(Steady_Time deadline, int descriptor = -1, short events = 0);
+    // The same, but a wake-up does not end it: for what has begun already.
+    Wait_End through(Steady_Time deadline, int descriptor = -1, short events = 0);
 
 private:
     std::atomic<bool> stopFlag{false};

@@ -4,7 +4,6 @@
 
 #include "sim/Controller.h"
 #include "wire/Check_Value.h"
-#include "wire/Frame_Writer.h"
 
 namespace vornex::sim {
 namespace {
