@@ -20,7 +20,7 @@ const char ExitCodes[] =
     "2    a mistake in a label or in the label file\n"
     "3    no connection to the controller\n"
     "4    the driver gave up on a request; its result code is told in words\n"
-    "5    what was read back, or replayed, is not what was expected\n"
+    "5    what was read back, compared or replayed is not what was expected\n"
     "6    the driver library cannot be used\n"
     "8    an output could not be written\n"
     "130  interrupted by Ctrl-C\n"

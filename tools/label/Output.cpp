@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include "text/Csv_Table.h"
-
 namespace vornex {
 
 Output::Output(Format outputFormat, Times timesAs, bool isQuiet, bool isVerbose)
@@ -19,15 +17,10 @@ Output::Output(Format outputFormat, Times timesAs, bool isQuiet, bool isVerbose)
 void Output::row(const Row& row, const std::string& text) {
     if (format == Format::Text) return block(text + "\n");
     if (format == Format::Json) return block(jsonObject(row) + "\n");
-    std::string heading, line;
-    for (const auto& [key, value] : row.fields) {
-        heading += (heading.empty() ? "" : ",") + formatCsvCell(key->name);
-        line += (key == row.fields.front().first ? "" : ",") +
-                (value.kind == Value::Kind::Null ? std::string() : formatCsvCell(value.shown()));
-    }
-    const bool isNew = heading != csvHeading;
-    csvHeading = heading;
-    block((isNew ? heading + "\n" : "") + line + "\n");
+    const std::string heading = csvHeading(row);
+    const bool isNew = heading != lastHeading;
+    lastHeading = heading;
+    block((isNew ? heading + "\n" : "") + csvLine(row) + "\n");
 }
 
 void Output::text(const std::string& line) {

@@ -69,7 +69,7 @@ private:
     Output_File messages;
     std::function<void(const std::string&)> messageTaker;
     std::optional<Output_Error> dataFailure;
-    std::string csvHeading;
+    std::string lastHeading;  // of CSV
     bool progressShown = false;
 };
 

@@ -54,15 +54,18 @@ public:
     Json_Node root;
 
     bool null() override { return place(Json_Node::Kind::Null), true; }
-    bool boolean(bool) override { return place(Json_Node::Kind::Bool), true; }
+    bool boolean(bool value) override {
+        place(Json_Node::Kind::Bool).integer = value;
+        return true;
+    }
     bool number_integer(number_integer_t value) override { return integer(value); }
     bool number_unsigned(number_unsigned_t value) override {
         if (value > static_cast<number_unsigned_t>(std::numeric_limits<std::int64_t>::max())) {
-            return place(Json_Node::Kind::Real), true;
+            return real(std::to_string(value));
         }
         return integer(static_cast<std::int64_t>(value));
     }
-    bool number_float(number_float_t, const string_t&) override { return place(Json_Node::Kind::Real), true; }
+    bool number_float(number_float_t, const string_t& digits) override { return real(digits); }
     bool string(string_t& value) override {
         place(Json_Node::Kind::String).text = value;
         return true;
@@ -88,6 +91,10 @@ public:
 private:
     bool integer(std::int64_t value) {
         place(Json_Node::Kind::Integer).integer = value;
+        return true;
+    }
+    bool real(const std::string& digits) {
+        place(Json_Node::Kind::Real).text = digits;
         return true;
     }
     bool open(Json_Node::Kind kind) {

@@ -18,8 +18,8 @@ struct Json_Node {
     enum class Kind { Null, Bool, Integer, Real, String, Array, Object };
     Kind kind = Kind::Null;
     int line = 0;                     // where the value begins, counted from 1
-    std::string text;                 // of a string
-    std::int64_t integer = 0;         // of an integer; values beyond it come as Real
+    std::string text;                 // of a string; of a Real its digits
+    std::int64_t integer = 0;         // of an integer, values beyond it come as Real; 1 for true
     std::vector<Json_Entry> entries;  // of an array (keys empty) or object, in file order
 
     // The entry with this key, null when there is none.

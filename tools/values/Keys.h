@@ -15,6 +15,7 @@ namespace key {
 // A variable
 inline constexpr Key label{"label", "label text"};
 inline constexpr Key value{"value", "the value under the view: number, true or false, text, or a list of them"};
+inline constexpr Key expected{"expected", "the value that a file holds"};
 inline constexpr Key unit{"unit", "as in the label file"};
 inline constexpr Key view{"view", "how the bytes are seen: u16, f32, ..."};
 inline constexpr Key state{"state", "fresh, stale (from before the connection was lost) or unknown (never came)"};

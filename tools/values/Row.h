@@ -23,6 +23,9 @@ public:
 
 // {"name":value,...}
 std::string jsonObject(const Row& row);
+// The names and the values as CSV has them, without line end; a value that is not known is empty.
+std::string csvHeading(const Row& row);
+std::string csvLine(const Row& row);
 
 }  // namespace vornex
 

@@ -11,6 +11,8 @@ namespace vornex {
 #define VORNEX_VERBS(ADD) \
     ADD(addReadVerb)      \
     ADD(addWriteVerb)     \
+    ADD(addSnapshotVerb)  \
+    ADD(addCompareVerb)   \
     ADD(addWatchVerb)     \
     ADD(addLsVerb)        \
     ADD(addCheckVerb)     \
