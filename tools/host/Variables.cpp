@@ -1,7 +1,7 @@
 #include "host/Variables.h"
 
 #include <algorithm>
-#include <map>
+#include <functional>
 
 #include "labels/Label_Explain.h"
 #include "labels/Template_Text.h"
@@ -108,6 +108,35 @@ void refuseCarry(Session& session, const Label_File& file, const Variable& varia
                                                   variable.range.label + "' would become '" + variable.text + "'");
 }
 
+// The first wanted element below this beginning of a label text, and how many follow it in its array without a gap, as
+// far as one value reaches. Nothing is held but that.
+std::optional<Variable> firstOf(const Label_File& file, const std::string& beginning,
+                                const std::function<bool(const Leaf&)>& isWanted, Extent& extent) {
+    std::optional<Variable> first;
+    const Label* definition = nullptr;
+    std::uint64_t end = 0;
+    extent = Extent::Element;
+    const auto take = [&](const Leaf& leaf) {
+        const bool isMatch = isWanted(leaf);
+        if (!first && !isMatch) return true;
+        if (first) {
+            const bool isNext = leaf.definition == definition && leaf.address == end;
+            if (isMatch) extent = isNext ? Extent::Array : Extent::Several;
+            if (!isNext || end - first->address >= LongestValue) return false;
+        } else {
+            first = variableOf(leaf);
+            definition = leaf.definition;
+        }
+        end = std::uint64_t(leaf.address) + leaf.bytes;
+        return true;
+    };
+    Leaf_Filter filter;
+    filter.texts = {{beginning, false}};
+    forEachLeaf(file, take, filter);
+    if (first) first->elements = static_cast<std::uint32_t>((end - first->address) / first->bytes);
+    return first;
+}
+
 // Spellings that the file's walk does not produce, templates above all: the driver says where they point to, the
 // definition with the same path says what lies there.
 Variable resolveSpelling(Session& session, const Label_File& file, const std::string& argument,
@@ -116,20 +145,10 @@ Variable resolveSpelling(Session& session, const Label_File& file, const std::st
     const std::optional<std::uint32_t> address = session.resolve(argument, number);
     if (!address) noSuchLabel(file, argument, index);
     const std::string path = pathOf(argument);
-    std::optional<Variable> variable;
-    std::uint64_t end = 0;
-    const auto take = [&](const Leaf& leaf) {
-        if (!variable && leaf.address == *address && pathOf(leaf.text) == path) variable = variableOf(leaf);
-        if (!variable) return true;
-        if (end != 0 && (leaf.address != end || pathOf(leaf.text) != path)) return false;
-        end = std::uint64_t(leaf.address) + leaf.bytes;
-        return true;
-    };
-    Leaf_Filter filter;
-    filter.texts = {{path.substr(0, path.find('.')), false}};
-    forEachLeaf(file, take, filter);
+    const auto isMeant = [&](const Leaf& leaf) { return leaf.address == *address && pathOf(leaf.text) == path; };
+    Extent extent = Extent::Element;
+    std::optional<Variable> variable = firstOf(file, path.substr(0, path.find('.')), isMeant, extent);
     if (!variable) noSuchLabel(file, argument, index);
-    variable->elements = static_cast<std::uint32_t>((end - variable->address) / variable->bytes);
     variable->range.label = argument;
     variable->range.index = number;
     refuseCarry(session, file, *variable, index);
@@ -177,35 +196,11 @@ std::vector<Variable> findVariables(Session& session, const Label_File& file, co
 
 Variable firstVariable(Session& session, const Label_File& file, const std::string& argument,
                        const Template_Index& index, Extent& extent) {
-    if (isGlob(argument)) {
-        extent = Extent::Several;
-        return findVariables(session, file, {argument}, index).front();
-    }
+    const auto isMeant = [&](const Leaf& leaf) { return leadsOnFrom(argument, leaf.text); };
     std::optional<Variable> first;
-    const Label* definition = nullptr;
-    std::uint64_t end = 0;
-    extent = Extent::Element;
-    const auto take = [&](const Leaf& leaf) {
-        const bool isMatch = leadsOnFrom(argument, leaf.text);
-        if (!first) {
-            if (!isMatch) return true;
-            first = variableOf(leaf);
-            definition = leaf.definition;
-        } else if (leaf.definition == definition && leaf.address == end) {
-            if (isMatch) extent = Extent::Array;
-            if (end - first->address >= LongestValue) return false;
-        } else {
-            if (isMatch) extent = Extent::Several;
-            return false;
-        }
-        end = std::uint64_t(leaf.address) + leaf.bytes;
-        return true;
-    };
-    Leaf_Filter filter;
-    filter.texts = {{argument, false}};
-    forEachLeaf(file, take, filter);
+    extent = Extent::Several;
+    if (!isGlob(argument)) first = firstOf(file, argument, isMeant, extent);
     if (!first) return findVariables(session, file, {argument}, index).front();
-    first->elements = static_cast<std::uint32_t>((end - first->address) / first->bytes);
     useDriverAddress(session, file, *first);
     return *first;
 }
