@@ -25,8 +25,8 @@ class App;
 namespace vornex {
 
 // A mistake in what the user set: what() names the file and line, or the variable.
-class Settings_Error : public std::runtime_error {
-    using std::runtime_error::runtime_error;
+class Settings_Error : public std::invalid_argument {
+    using std::invalid_argument::invalid_argument;
 };
 
 struct Setting {
