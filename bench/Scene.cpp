@@ -88,7 +88,6 @@ ComInfo& reset(int maxBytesPerRequest) {
     {
         const Mutex_Lock lock(PLC_driver.labelMutex);
         PLC_driver.labelTable.clear();
-        PLC_driver.onlyNames = true;
     }
     forgetResolved();  // after the table, whose size is what the cache is made ready for
     const Mutex_Lock lock(PLC_driver.dataMutex);

@@ -15,8 +15,7 @@ Communication_Protocol::Communication_Protocol()
       commFailed(false),
       spareFlag(false),
       labelGeneration(0),
-      marksCached(false),
-      onlyNames(true) {}
+      marksCached(false) {}
 
 // QList::move would shift every entry at each call once there is no room left behind the last one. Appending makes room
 // for many entries at a time.

@@ -61,7 +61,6 @@ public:
     Driver_Mutex labelMutex;
     quint32 labelGeneration GUARDED_BY(labelMutex);       // counts label deliveries, so that no stale record is cached
     bool marksCached GUARDED_BY(labelMutex);              // a label in labelCache holds the mark of a template
-    bool onlyNames GUARDED_BY(labelMutex);                // no name in labelTable has a character of a path
     Once_Read_Index onceReadIndex GUARDED_BY(listMutex);  // which reads onceReadList holds
     ComInfo ownSettings;                                  // all words 0; in use while the host has set none
 

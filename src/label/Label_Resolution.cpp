@@ -22,11 +22,9 @@ bool resolveElement(const Label_Type_Info& entry, ControlInformationM& info) {
     return true;
 }
 
-// The same by its text, as for nearly every label; false when the label is something else. Whoever knows that the table
-// holds nothing but names need not look at the characters.
-bool resolveElementName(const QHash<QString, Label_Type_Info>& table, bool onlyNames, const QString& label,
-                        ControlInformationM& info) {
-    if (label.isEmpty() || !(onlyNames || isName(viewOf(label)))) return false;
+// The same by its text, as for nearly every label; false when the label is something else.
+bool resolveElementName(const QHash<QString, Label_Type_Info>& table, const QString& label, ControlInformationM& info) {
+    if (label.isEmpty() || !isName(viewOf(label))) return false;
     const QHash<QString, Label_Type_Info>::const_iterator entry = table.constFind(label);
     return entry != table.constEnd() && resolveElement(*entry, info);
 }
@@ -36,7 +34,7 @@ bool resolveElementName(const QHash<QString, Label_Type_Info>& table, bool onlyN
 // table in place, and nothing but the lock orders that behind the reads of the walk.
 class Table_Snapshot {
 public:
-    Table_Snapshot() : generation_(0), onlyNames_(false) {}
+    Table_Snapshot() : generation_(0) {}
     ~Table_Snapshot() {
         if (table_.isEmpty()) return;
         const Mutex_Lock lock(PLC_driver.labelMutex);
@@ -46,7 +44,6 @@ public:
     void take() REQUIRES(PLC_driver.labelMutex) {
         table_ = PLC_driver.labelTable;
         generation_ = PLC_driver.labelGeneration;
-        onlyNames_ = PLC_driver.onlyNames;
     }
     void giveBack() REQUIRES(PLC_driver.labelMutex) { table_ = QHash<QString, Label_Type_Info>(); }
 
@@ -57,7 +54,7 @@ public:
     }
 
     bool resolveName(const QString& label, ControlInformationM& info) const {
-        return resolveElementName(table_, onlyNames_, label, info);
+        return resolveElementName(table_, label, info);
     }
 
     // A walk through definitions that were replaced meanwhile must not reach the emptied cache.
@@ -71,7 +68,6 @@ public:
 private:
     QHash<QString, Label_Type_Info> table_;
     quint32 generation_;
-    bool onlyNames_;
 };
 
 QString firstName(const QStringList& path) {
@@ -143,7 +139,7 @@ int resolveUncached(const Label_Text& label, Table_Snapshot& table, ControlInfor
 
 // Needs no copy of the table.
 bool resolveAndCacheName(const QString& label, ControlInformationM& info) REQUIRES(PLC_driver.labelMutex) {
-    if (!resolveElementName(PLC_driver.labelTable, PLC_driver.onlyNames, label, info)) return false;
+    if (!resolveElementName(PLC_driver.labelTable, label, info)) return false;
     PLC_driver.labelCache.insert(label, info);
     return true;
 }

@@ -74,7 +74,6 @@ inline void forgetEverything() {
     PLC_driver.groupList.clear();
     PLC_driver.dataImage.clear();
     PLC_driver.labelTable.clear();
-    PLC_driver.onlyNames = true;
     PLC_driver.labelCache.clear();
     PLC_driver.result = RW_VAR();
     PLC_driver.ownSettings = ComInfo();

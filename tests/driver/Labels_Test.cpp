@@ -140,6 +140,21 @@ TEST_F(Labels, anEntryNamedLikeAPathHidesNothing) {
     }
 }
 
+// Only the point takes a text apart that has no pair of brackets, wherever it stands.
+TEST_F(Labels, anyOtherCharacterMayStandInAName) {
+    for (int place = 0; place < 6; ++place) {
+        for (ushort character = 1; character < 0x300; ++character) {
+            QString name = text("abcdef");
+            name[place] = QChar(character);
+            QList<Label_Type_Info> labels = {makeLabel("", 5, character)};
+            labels[0].name = name;
+            PassVarName_2(&labels);
+            ControlInformationM info;
+            EXPECT_EQ(character == '.' ? 2 : 0, get_label_address(name, info)) << character << " at " << place;
+        }
+    }
+}
+
 TEST_F(Labels, resolution) {
     for (const auto& row : Resolutions)
         for (const char* pass : {"walked", "cached"}) {
