@@ -94,7 +94,6 @@ bool isName(const Text_View& text) {
 
 Label_Kind splitLabel(const QString& label, Label_Path& path) {
     const Text_View text = viewOf(label);
-    if (isName(text)) return LabelName;  // as most are
     Label_Kind kind = LabelName;
     Brackets brackets = NoBrackets;
     int begin = 0;
