@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 
 #include "labels/Label_Explain.h"
 #include "labels/Template_Text.h"
@@ -186,9 +187,13 @@ std::vector<Variable> findVariables(Session& session, const Label_File& file, co
         std::vector<Variable>& found = selection.at(i);
         if (found.empty() && isGlob(arguments[i])) noSuchLabel(file, arguments[i], index);
         if (found.empty()) found.push_back(resolveSpelling(session, file, arguments[i], index));
-        for (Variable& variable : found) {
+        for (Variable& variable : found)
             useDriverAddress(session, file, variable);
-            variables.push_back(std::move(variable));
+        if (variables.empty()) {
+            variables = std::move(found);
+        } else {
+            variables.insert(variables.end(), std::make_move_iterator(found.begin()),
+                             std::make_move_iterator(found.end()));
         }
     }
     return variables;

@@ -136,6 +136,7 @@ Label readLabel(const Place& where, const char* kind, const std::string& owner, 
 std::vector<Label> readLabels(const Place& where, const char* kind, const std::string& owner, const Json_Entry& list) {
     requireKind(where, list.value, Json_Node::Kind::Array, "\"" + list.key + "\"");
     std::vector<Label> labels;
+    labels.reserve(list.value.entries.size());
     std::set<std::string> names;
     for (const Json_Entry& entry : list.value.entries) {
         labels.push_back(readLabel(where, kind, owner, entry.value));

@@ -35,8 +35,8 @@ const Type_Name* findTypeName(const std::string& name);
 
 struct Type_Ref {
     int code = 0;                      // 1 to 11, or 12 for a structure
-    const Type_Name* name = nullptr;   // when it was written by its name; it decides the view
     std::uint32_t textBytes = 0;       // n of STRING(n), whose code is 1; 0: another type
+    const Type_Name* name = nullptr;   // when it was written by its name; it decides the view
     std::string structName;            // set for code 12
     std::vector<Index_Bounds> bounds;  // outermost first; empty: not an array
     int radix = 10;                    // of the indexes
