@@ -104,6 +104,24 @@ TEST(Link, everyWaitHeedsAStop) {
     }
 }
 
+// By a disk that does not answer, for example. Signals that come at once with the first one are the same Ctrl-C.
+TEST(Link, aSecondStopEndsAToolThatIsHeldUp) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Sim_Process sim({"-l", PLANT, "-q"});
+        Process tool({"/usr/bin/env", "LD_PRELOAD=" SLOW_CALLS, "ASAN_OPTIONS=verify_asan_link_order=0",
+                      "SLOW_RENAME=600000", TOOL, "-l", PLANT, "-t", "127.0.0.1:" + std::to_string(sim.port()), "watch",
+                      "Speed", "--force", "--csv", WORK_DIR "/held_up.csv"});
+        tool.waitForLog("standing still");
+        const double first = clockMs();
+        do
+            tool.signal(signal);
+        while (!tool.ended(10) && clockMs() < first + WaitLimit);
+        EXPECT_GE(clockMs() - first, 500);
+        EXPECT_EQ(tool.finish(false), -1) << tool.log();
+        EXPECT_EQ(tool.endSignal(), signal);
+    }
+}
+
 // What a gateway kept for the client before it hands to the next one: a reply that is right in every way but old.
 TEST(Link, whatANewConnectionBringsIsNoReply) {
     const std::string acknowledgement(6, '\0');

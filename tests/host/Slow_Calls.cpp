@@ -1,9 +1,11 @@
 // Preloaded into a tool: system calls that take longer than anybody expects, as on a machine that stands still.
 //   SLOW_SEND=N,MS    the Nth send returns MS milliseconds late
 //   SLOW_LOOK_UP=MS   so does every name look-up, which then fails
+//   SLOW_RENAME=MS    a file takes its new name so much later; "standing still" on standard error tells that it begins
 #include <dlfcn.h>
 #include <netdb.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -25,6 +27,15 @@ extern "C" ssize_t send(int socket, const void* bytes, size_t size, int flags) {
     char* rest = nullptr;
     if (plan && ++calls == std::strtol(plan, &rest, 10) && *rest == ',') standStill(std::atol(rest + 1));
     return sent;
+}
+
+extern "C" int rename(const char* from, const char* to) {
+    using Rename = int (*)(const char*, const char*);
+    static const Rename real = reinterpret_cast<Rename>(dlsym(RTLD_NEXT, "rename"));
+    if (const char* const ms = std::getenv("SLOW_RENAME")) {
+        if (write(STDERR_FILENO, "standing still\n", 15) == 15) standStill(std::atol(ms));
+    }
+    return real(from, to);
 }
 
 extern "C" int getaddrinfo(const char* host, const char* service, const addrinfo* wanted, addrinfo** found) {

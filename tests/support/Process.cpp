@@ -119,6 +119,13 @@ void Process::waitForLog(const std::string& text) {
     }
 }
 
+bool Process::ended(int patience) {
+    const double until = clockMs() + patience;
+    while (readMore(until)) {
+    }
+    return outputs[0] < 0 && outputs[1] < 0;
+}
+
 int Process::finish(bool terminate, int patience) {
     if (pid < 0) return -1;
     if (terminate) signal(SIGTERM);
@@ -131,6 +138,7 @@ int Process::finish(bool terminate, int patience) {
     pid = -1;
     for (int& output : outputs)
         close(output);
+    killer = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

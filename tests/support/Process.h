@@ -31,12 +31,16 @@ public:
     bool nextLine(std::string& line, int patience = WaitLimit);
     std::string readLine();                    // the same; empty when there is none
     void waitForLog(const std::string& text);  // until it stands in its standard error
+    // Whether both outputs are at their end, which comes with that of the program, within this time.
+    bool ended(int patience);
     // Sends SIGTERM unless it is to end by itself, takes the rest of both outputs, returns the exit code; -1 when it
     // crashed or had to be killed.
     int finish(bool terminate = true, int patience = WaitLimit);
     // Standard output as far as no line was taken from it, and standard error; whole after finish().
     std::string output() const { return rest; }
     std::string log() const { return errors; }
+    // The signal that ended the program, 0 when it ended by itself; known after finish().
+    int endSignal() const { return killer; }
 
 private:
     bool readMore(double until);
@@ -44,6 +48,7 @@ private:
     pid_t pid = -1;
     int input = -1;
     int outputs[2] = {-1, -1};
+    int killer = 0;
     std::string rest;
     std::string errors;
 };
