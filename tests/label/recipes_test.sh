@@ -1,52 +1,47 @@
 #!/bin/sh
-# Runs every command of the ```sh blocks in docs/tools.md as it stands there, in order, in an empty folder that holds
-# what the recipes name. A command ends with 0, or with the N of its trailing "# exit N". Simulators that a recipe starts
-# on port 2000 get a free port, and their target is handed to the commands that follow.
+# Runs every command of the ```sh blocks in docs/tools.md in this one shell, in order, as somebody who pastes one block
+# after the other, in a folder that holds what the recipes name. A command ends with 0, or with the N of its trailing
+# "# exit N", and a block leaves no program behind. A port that is free here stands for 2000.
 #   recipes_test.sh REPOSITORY LABEL_TOOL SIMULATOR WORK_DIR
-set -eu
-repository=$1 work=$4
-PATH=$(dirname "$2"):$(dirname "$3"):$PATH
-rm -rf "$work" && mkdir -p "$work" && cd "$work"
-cp -r "$repository/examples" .
-mkdir share && cp -r "$repository/share/wireshark" share/
+set -u
+repository=$1 work=$4 PATH=$(dirname "$2"):$(dirname "$3"):$PATH
+rm -rf "$work" && mkdir -p "$work/share" && cd "$work" || exit 1
+cp -r "$repository/examples" . && cp -r "$repository/share/wireshark" share/ || exit 1
 export WIRESHARK_CONFIG_DIR="$work" LC_ALL=C.UTF-8
-sim= runs=0
+runs=0 blocks=0
+trap 'kill $! 2>/dev/null' EXIT
 
-stop() {
-    [ -z "$sim" ] || { kill "$sim" 2>/dev/null; wait "$sim" || { echo "the simulator ended with $?"; return 1; }; }
-    sim=
-}
-trap '[ -z "$sim" ] || kill "$sim"' EXIT
+vornex-sim -l examples/plant.json -p 0 -q >sim.out &
+until grep -q '^listening ' sim.out; do
+    kill -0 $! || exit 1
+    sleep 0.05
+done
+port=$(sed -n 's/^listening .*://p' sim.out)
+kill $! && wait $! || exit 1
+sed -i "s/127.0.0.1:2000/127.0.0.1:$port/" examples/plant.json
+sed -n '/^```sh/,/^```$/{/^```sh/d;p}' "$repository/docs/tools.md" | sed "s/-p 2000 /-p $port /" >commands
 
-start() {
-    stop
-    rm -f sim.out
-    eval "exec_sim() { exec $(printf %s "$1" | sed 's/-p 2000/-p 0/; s/&$//'); }"
-    exec_sim >sim.out 2>sim.log &
-    sim=$!
-    until grep -q '^listening ' sim.out; do
-        kill -0 "$sim" || { cat sim.log; exit 1; }
-        sleep 0.05
-    done
-    port=$(sed -n 's/^listening .*://p' sim.out)
-    sed "s/127.0.0.1:2000/127.0.0.1:$port/" "$repository/examples/plant.json" >examples/plant.json
-}
-
-sed -n '/^```sh/,/^```$/{/^```/d;p}' "$repository/docs/tools.md" >commands
 while IFS= read -r line <&3; do
-    case $line in
-    '' | '#'*) continue ;;
-    *'-p 2000'*'&') start "$line"; continue ;;
-    esac
+    if [ "$line" = '```' ]; then
+        blocks=$((blocks + 1))
+        if kill -0 $! 2>/dev/null; then
+            echo "block $blocks leaves its simulator behind"
+            exit 1
+        fi
+        continue
+    fi
     expected=$(printf %s "$line" | sed -n 's/.*  # exit \([0-9]*\)$/\1/p')
-    status=0
-    ( eval "$line" ) >out 2>&1 </dev/null || status=$?
     runs=$((runs + 1))
-    [ "$status" -eq "${expected:-0}" ] && [ -s out -o "$line" != "${line#*>}" -o "$line" != "${line#* -q}" ] && continue
-    echo "exit $status, not ${expected:-0}, or no output: $line"
-    cat out
+    eval "$line" >"out.$runs" 2>&1 </dev/null
+    status=$?
+    case $line in
+    *'&' | kill* | *'>'* | *' -q'*) ;;
+    *) [ -s "out.$runs" ] || status="$status without output" ;;
+    esac
+    [ "$status" = "${expected:-0}" ] && continue
+    echo "exit $status, not ${expected:-0}: $line"
+    cat "out.$runs"
     exit 1
 done 3<commands
-stop
-echo "$runs commands ran as written"
-[ "$runs" -ge 30 ]
+echo "$runs commands in $blocks blocks ran as written"
+[ "$runs" -ge 45 ] && [ "$blocks" -ge 12 ]
