@@ -124,6 +124,8 @@ TEST(Labels, convertKeepsEverythingAndOverwritesNothing) {
                {"labels convert a.csv b.json --force -q", 0, ""},
                {"labels convert b.json c.csv --force --separator ';' --bom", 0, "c.csv"},
                {"labels convert b.json a.csv", 1, "a.csv exists"},
+               {"labels convert b.json a.txt", 1, "a.txt: a label file ends in .json or .csv; --to takes another name"},
+               {"labels convert b.json a --to csv --force", 0, "a: 13 labels"},
                {"labels convert b.json /nosuch/a.csv", 1, "/nosuch/a.csv: its folder: No such file"},
                {"check --all -l a.csv", 0, "198 resolve, 0 do not"}});
     EXPECT_EQ(runCommand(WORK_DIR, "cmp a.csv c.csv").code, 0);
@@ -131,6 +133,10 @@ TEST(Labels, convertKeepsEverythingAndOverwritesNothing) {
 
 TEST(Labels, lintNamesFileLineAndLabel) {
     std::ofstream(WORK_DIR "/octal.csv") << "kind,name,type,at\nlabel,A,3,98\n";
+    std::ofstream(WORK_DIR "/sim.csv") << "kind,name,type,at,size,view,sim\nlabel,A,9,0,,f64,\"ramp(0,1e308,0)\"\n"
+                                          "struct,T,,,4\nmember,T.B,7,0,,,\"ramp(0,x,9)\"\n"
+                                          "label,T,T,8\nlabel,L,7,16,,f32,const(0.123456789)\n"
+                                          "label,M,1[0..2000000],32,,,toggle(9)\n";
     std::ofstream(WORK_DIR "/bad.csv") << "kind,name,type,at\nlabel,A,5,0\nlabel,B,3,2\n";
     expectAll({{"labels lint bad.csv", 0, "bad.csv:3: warning: B: shares bytes 2 to 3 with 'A' (line 2) [overlap]"},
                {"labels lint bad.csv --strict -o json", 2, "\"line\":3,\"severity\":\"warning\",\"rule\":\"overlap\""},
@@ -138,6 +144,10 @@ TEST(Labels, lintNamesFileLineAndLabel) {
                {"labels lint bad.csv --end x", 1, "--end: 'x' is not a whole number from 1 to 4294967296"},
                {"labels lint bad.csv --end=-1", 1, "--end: '-1' is not"},
                {"labels lint octal.csv --end=0100 -q", 0, ""},  // a hundred, not 64
+               {"labels lint sim.csv", 2, "sim.csv:2: error: A: a time is at least 1 ms [sim]\n"},
+               {"labels lint sim.csv", 2, "sim.csv:4: error: T.B: 'x' is not a number [sim]\n"},
+               {"labels lint sim.csv", 2, "sim.csv:6: warning: L: '0.123456789' is stored as 0.12345679, the nearest"},
+               {"labels lint sim.csv", 2, "sim.csv:7: error: M[999997]: more than a million elements with a motion"},
                {"labels lint " PLANT, 0, "13 labels, nothing found"}});
 }
 
@@ -202,10 +212,24 @@ TEST(Command_Line, helpTellsWhatTheVerbTakes) {
         const char* told;
         const char* untold;
     } rows[] = {
-        {"read", "--trace FILE", "--elements"},      {"ls", "--labels FILE", "--target"},
-        {"info", "--library FILE", "--labels"},      {"check", "--library FILE", "--timeout"},
-        {"replay", "--library FILE", "--timeout"},   {"labels lint", "--labels FILE", "--library"},
-        {"bench", "--duration SECONDS", "--rounds"}, {"", "labels convert", "completion"},
+        {"read", "--trace FILE", "--elements"},
+        {"ls", "--labels FILE", "--target"},
+        {"info", "--library FILE", "--labels"},
+        {"check", "--library FILE", "--timeout"},
+        {"replay", "--library FILE", "--timeout"},
+        {"labels lint", "--labels FILE", "--library"},
+        {"bench", "--duration SECONDS", "--rounds"},
+        {"", "labels convert", "completion"},
+        {"write", "--target", "--count"},
+        {"watch", "--target", "--count"},
+        {"dump", "--target", "--elements"},
+        {"stats", "--target", "--elements"},
+        {"decode", "--labels FILE", "Link options"},
+        {"labels convert", "--labels FILE", "Link options"},
+        {"labels names", "--labels FILE", "--trace"},
+        {"man", "--all DIR", "Link options"},
+        {"help", "VERB", "Link options"},
+        {"completion", "--help", "Link options"},
     };
     for (const auto& row : rows) {
         const Outcome help = run(row.verb + std::string(" --help"));

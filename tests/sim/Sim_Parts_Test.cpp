@@ -8,8 +8,8 @@
 #include "sim/Control.h"
 #include "sim/Controller.h"
 #include "sim/Summary.h"
-#include "sim/plant/Value_Motion.h"
 #include "text/Hex.h"
+#include "values/Value_Motion.h"
 
 namespace vornex::sim {
 namespace {
@@ -236,12 +236,14 @@ TEST(Sim_Plant, mistakesInMotionsNameFileLineAndLabel) {
 }
 
 TEST(Sim_Control, answersEveryLine) {
-    Controller controller(makePlant(R"({"format":1,"labels":[{"name":"A","type":"4[1..2]","at":10,"view":"s16"}]})"),
+    Controller controller(makePlant(R"({"format":1,"labels":[{"name":"A","type":"4[1..2]","at":10,"view":"s16"},
+                                                      {"name":"F","type":"7","at":20,"view":"f32"}]})"),
                           Fault_Rules(1), [](const std::string&) {});
     const std::pair<const char*, const char*> rows[] = {
         {"", ""},
         {"# a note", ""},
         {"set A[2] -3", "ok"},
+        {"set F 0.123456789", "ok, '0.123456789' is stored as 0.12345679, the nearest number that 4 bytes hold"},
         {"get A[2]", "ok -3"},
         {"get 10 4", "ok 00 00 FD FF"},
         {"set 0xb 7f 80", "ok"},

@@ -21,6 +21,29 @@ std::string outcomeOf(Read read) {
     }
 }
 
+TEST(Number, isTheSameToTheLastDigit) {
+    const struct {
+        const char* a;
+        const char* b;
+        bool same;
+    } rows[] = {
+        {"0.1", "0.10", true},
+        {"1e-1", "0.1", true},
+        {"+100", "1E+2", true},
+        {"0x77359400", "2e+09", true},
+        {"-0", "0.0", false},
+        {"0e5", "0", true},
+        {"-1.5", "1.5", false},
+        {"00.0125", "1.25e-2", true},
+        {"16777217", "16777216", false},
+        {"9007199254740993", "9007199254740992", false},
+        {"0.30000000000000001", "0.3", false},
+        {"1000", "100", false},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(sameNumber(row.a, row.b), row.same) << row.a << " and " << row.b;
+}
+
 TEST(Number, isTheWholeTextWithinItsRange) {
     const struct {
         const char* text;

@@ -39,6 +39,10 @@ std::string textBytes(const Variable& variable, bool wholeArray, const std::stri
     return fitting(variable, bytes, "the text");
 }
 
+bool isTextOver(const Variable& variable, const std::string& text) {
+    return variable.bytes == 1 && text.size() >= 2 && text.front() == '"' && text.back() == '"';
+}
+
 }  // namespace
 
 Value valueOfRun(const Variable& variable, View view, const std::string& bytes) {
@@ -47,8 +51,7 @@ Value valueOfRun(const Variable& variable, View view, const std::string& bytes) 
 }
 
 std::string bytesOfValue(const Variable& variable, View view, bool wholeArray, const std::string& text) {
-    const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
-    if (quoted && variable.bytes == 1) return textBytes(variable, wholeArray, text);
+    if (isTextOver(variable, text)) return textBytes(variable, wholeArray, text);
     if (!text.empty() && text.front() == '@') return fitting(variable, readFile(text.substr(1)), text.substr(1));
     if (!text.empty() && text.front() == '[') {
         return fitting(variable, bytesOfList(view, variable.bytes, text), "the list");
@@ -58,6 +61,22 @@ std::string bytesOfValue(const Variable& variable, View view, bool wholeArray, c
                                     " elements: write a list [...], or name one element");
     }
     return bytesOf(view, variable.bytes, text);
+}
+
+std::string writeRemark(const Variable& variable, View view, bool wholeArray, const std::string& text,
+                        std::size_t bytesWritten) {
+    if (isTextOver(variable, text)) {
+        const std::size_t length = bytesOfText(text).size();
+        if (length == bytesWritten) return "";
+        return "the text has " + std::to_string(length) + " bytes, the other " + std::to_string(bytesWritten - length) +
+               " of the array become 0";
+    }
+    const bool isFile = !text.empty() && text.front() == '@';
+    const std::string inexact = isFile ? "" : inexactRemark(view, text);
+    const std::size_t elements = bytesWritten / variable.bytes;
+    if (!wholeArray || elements >= variable.elements) return inexact;
+    return std::to_string(elements) + " of " + std::to_string(variable.elements) +
+           " elements are written, the others stay as they are" + (inexact.empty() ? "" : "; " + inexact);
 }
 
 std::string assignmentText(const Variable& variable, const Value& value) {

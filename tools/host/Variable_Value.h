@@ -18,6 +18,11 @@ Value valueOfRun(const Variable& variable, View view, const std::string& bytes);
 // range, more elements than the array has from here on. A single value does not fit a whole array.
 std::string bytesOfValue(const Variable& variable, View view, bool wholeArray, const std::string& text);
 
+// What people may not expect of the write that bytesOfValue() made of `text`: "" mostly. A text fills its array with
+// zeros, a list that is shorter than its array leaves the rest; a float holds the nearest number.
+std::string writeRemark(const Variable& variable, View view, bool wholeArray, const std::string& text,
+                        std::size_t bytesWritten);
+
 // "Speed = 1500 rpm"
 std::string assignmentText(const Variable& variable, const Value& value);
 

@@ -60,6 +60,7 @@ Write_Plan planOf(Session& session, const Label_File& file, const Plan_Options& 
     plan.view = options.view.empty() ? assignment.view.value_or(variable.view) : parseViewWord(options.view).value();
     try {
         plan.bytes = bytesOfValue(variable, plan.view, wholeArray, assignment.value);
+        plan.remark = writeRemark(variable, plan.view, wholeArray, assignment.value, plan.bytes.size());
     } catch (const std::invalid_argument& mistake) {
         throw Tool_Error(Exit_Code::Label, assignment.place + variable.text + ": " + mistake.what());
     }

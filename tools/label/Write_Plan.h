@@ -17,6 +17,7 @@ struct Write_Plan {
     Variable variable;
     View view = View::U8;
     std::string bytes;
+    std::string remark;  // what people may not expect of it
     Completion completion;
 
     Value value() const;

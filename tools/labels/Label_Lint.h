@@ -11,7 +11,7 @@
 namespace vornex {
 
 struct Lint_Finding {
-    // Error: reads or writes of the label go wrong. Warning: likely a mistake.
+    // Error: reads or writes of the label go wrong, or the simulator refuses the file. Warning: likely a mistake.
     enum class Severity { Error, Warning };
     Severity severity = Severity::Warning;
     std::string rule;     // one word, for scripts

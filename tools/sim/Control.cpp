@@ -59,7 +59,8 @@ std::string set(std::string rest, Controller& controller, double now) {
     }
     const Leaf leaf = findLabel(controller, what);
     store(controller, leaf.address, bytesOf(leaf.view, leaf.bytes, rest), now);
-    return "ok";
+    const std::string remark = inexactRemark(leaf.view, rest);
+    return remark.empty() ? "ok" : "ok, " + remark;
 }
 
 std::string check(std::string rest) {

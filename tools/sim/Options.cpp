@@ -8,7 +8,7 @@
 #include "cli/Program.h"
 #include "sim/Control.h"
 #include "sim/faults/Fault_Rules.h"
-#include "sim/plant/Value_Motion.h"
+#include "values/Value_Motion.h"
 
 namespace vornex::sim {
 namespace {

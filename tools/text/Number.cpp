@@ -108,6 +108,44 @@ std::optional<int> compareNumbers(const std::string& a, const std::string& b) {
     return order(*x, *y);
 }
 
+namespace {
+
+// The digits without zeros at the ends, and the power of ten of the first one. "-12.50" is "-125" and 1.
+struct Decimal {
+    explicit Decimal(const std::string& text) {
+        const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
+        const bool isNegative = text[0] == '-';
+        std::size_t point = std::string::npos;
+        for (std::size_t at = isNegative || text[0] == '+'; at < mark; ++at) {
+            if (text[at] == '.')
+                point = digits.size();
+            else
+                digits += text[at];
+        }
+        power = static_cast<std::int64_t>(std::min(point, digits.size())) - 1;
+        power += mark < text.size() ? std::strtoll(text.c_str() + mark + 1, nullptr, 10) : 0;
+        const std::size_t first = std::min(digits.find_first_not_of('0'), digits.size());
+        power -= static_cast<std::int64_t>(first);
+        digits.erase(0, first);
+        digits.erase(digits.find_last_not_of('0') + 1);
+        if (digits.empty()) power = 0;
+        if (isNegative) digits.insert(0, 1, '-');
+    }
+    std::string digits;
+    std::int64_t power = 0;
+};
+
+}  // namespace
+
+bool sameNumber(const std::string& a, const std::string& b) {
+    const auto decimal = [](const std::string& text) {
+        const std::optional<Whole> whole = readWhole(text);
+        return Decimal(whole ? (whole->isNegative ? "-" : "") + std::to_string(whole->magnitude) : text);
+    };
+    const Decimal x = decimal(a), y = decimal(b);
+    return x.digits == y.digits && x.power == y.power;
+}
+
 // As %g has it, whole numbers of up to six digits without an exponent: 100000, not 1e+05. But a precision given to
 // to_chars rounds the exact number, which is not always the shortest text: at some powers of two it is the neighbour's.
 template <class Float>

@@ -42,6 +42,10 @@ double realNumber(const std::string& text, double lowest = std::numeric_limits<d
 // Nothing when one of them is no number, or nan.
 std::optional<int> compareNumbers(const std::string& a, const std::string& b);
 
+// Whether two texts of readReal() are the same number to the last digit, as texts: 0.10 and 1e-1, not 0.1 and what a
+// float makes of it.
+bool sameNumber(const std::string& a, const std::string& b);
+
 // The shortest decimal text that reads back as the same number.
 template <class Float>
 std::string shortestNumber(Float number);

@@ -236,6 +236,20 @@ std::string bytesOf(View view, std::size_t size, const std::string& text) {
     return bytes;
 }
 
+std::string inexactRemark(View view, const std::string& text) {
+    if (viewEntry(view).kind != Kind::Float || text.empty()) return "";
+    const std::size_t width = viewEntry(view).width;
+    const bool isList = text.front() == '[';
+    for (const std::string& typed : isList ? splitTrimmed(text.substr(1, text.size() - 2), ',') : std::vector{text}) {
+        if (typed.find_first_of("nN") != std::string::npos) continue;  // inf, nan
+        const std::string stored = oneValue(view, oneValueBytes(view, width, typed)).text;
+        if (sameNumber(typed, stored)) continue;
+        return "'" + typed + "' is stored as " + stored + ", the nearest number that " + std::to_string(width) +
+               " bytes hold";
+    }
+    return "";
+}
+
 void checkNumber(View view, std::size_t size, double number) {
     const std::size_t width = viewEntry(view).width != 0 ? viewEntry(view).width : size;
     double lowest = 0, highest = 0;

@@ -35,6 +35,10 @@ std::vector<std::string> itemsOfList(const std::string& text);
 // The bytes of such a list, of any number of values; `size` as above.
 std::string bytesOfList(View view, std::size_t size, const std::string& text);
 
+// Of what bytesOf() or bytesOfList() takes: "'16777217' is stored as 16777216, the nearest number that 4 bytes hold"
+// for the first number that a float does not hold; else empty.
+std::string inexactRemark(View view, const std::string& text);
+
 // The bytes of a text, as many as it has.
 std::string bytesOfText(const std::string& text);
 // true, on, 1 or false, off, 0, in upper or lower case; nothing for other words.

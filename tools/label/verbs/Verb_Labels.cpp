@@ -1,4 +1,5 @@
 // labels convert, labels lint, labels names: work on label files, without controller and driver.
+#include <algorithm>
 #include <memory>
 
 #include "label/Tool.h"
@@ -8,6 +9,7 @@
 #include "labels/Label_Names.h"
 #include "text/Text.h"
 #include "text/Text_Input.h"
+#include "values/Motion_Lint.h"
 
 namespace vornex {
 
@@ -41,10 +43,17 @@ struct Convert_Options {
     bool byteOrderMark = false;
 };
 
+// What the name of a file to be written says. A label file under another name would be read as what it is not.
+std::string formatByName(const std::string& path) {
+    if (isCsvName(path)) return "csv";
+    if (endsIn(lowered(path), ".json")) return "json";
+    throw Tool_Error(Exit_Code::Usage, path + ": a label file ends in .json or .csv; --to takes another name");
+}
+
 Exit_Code runConvert(Tool& tool, const Convert_Options& options) {
     const Label_File file = fileOf(tool, options.input);
     std::string to = options.to;
-    if (to.empty() && !options.output.empty()) to = isCsvName(options.output) ? "csv" : "json";
+    if (to.empty() && !options.output.empty()) to = formatByName(options.output);
     if (to.empty()) to = isCsvName(file.path) ? "json" : "csv";
     std::string text = to == "csv" ? formatLabelCsv(file, options.separator[0]) : formatLabelJson(file);
     if (to == "csv" && options.byteOrderMark) text.insert(0, "\xEF\xBB\xBF");
@@ -66,7 +75,11 @@ Exit_Code runConvert(Tool& tool, const Convert_Options& options) {
 Exit_Code runLint(Tool& tool, const std::string& argument, std::uint64_t memoryEnd, bool strict) {
     const Label_File file = fileOf(tool, argument);
     std::size_t errors = 0;
-    const std::vector<Lint_Finding> findings = lintLabels(file, memoryEnd);
+    std::vector<Lint_Finding> findings = lintLabels(file, memoryEnd);
+    const std::vector<Lint_Finding> motions = lintMotions(file);
+    findings.insert(findings.end(), motions.begin(), motions.end());
+    std::stable_sort(findings.begin(), findings.end(),
+                     [](const Lint_Finding& a, const Lint_Finding& b) { return a.line < b.line; });
     for (const Lint_Finding& finding : findings) {
         const std::string severity = severityName(finding.severity);
         if (strict || finding.severity == Lint_Finding::Severity::Error) ++errors;
@@ -105,7 +118,8 @@ void addConvert(Verbs& verbs, CLI::App& group) {
     const auto given = std::make_shared<Convert_Options>();
     const Page page = {
         "Turn a label file into CSV for a spreadsheet, or back",
-        "Reads a label file or a CSV table and writes the other, or what OUTPUT's name or --to says. Nothing "
+        "Reads a label file or a CSV table and writes the other, or what OUTPUT's ending (.json or .csv) or --to says. "
+        "Nothing "
         "but comments is lost either way. A table has one row per label, structure and member, with the "
         "columns kind, name, type, at, size, view, unit and sim; cells are separated by , or ; and mistakes "
         "are told with line and column.\n\n"
@@ -135,7 +149,8 @@ void addLint(Verbs& verbs, CLI::App& group) {
         "Find what a label file has wrong though it reads well",
         "Labels or members that share bytes, structures whose members no label reaches, labels past the end "
         "of the controller's memory, names that differ in upper and lower case alone, views of another width "
-        "than their element, and labels too large for one read. Exit code 2 when an error is found; warnings "
+        "than their element, labels too large for one read, and motions that the simulator refuses. Exit code 2 when "
+        "an error is found; warnings "
         "alone end with 0.",
         {{"labels lint plant.json", "What is doubtful in a file."},
          {"labels lint plant.json --end 0x10000", "The controller has 64 KiB."},
@@ -159,8 +174,8 @@ void addNames(Verbs& verbs, CLI::App& group) {
         "preferences.",
         {{"labels names plant.json > plant.names", "The names of a label file."},
          {"labels names plant.json -o json | jq -r .label", "Every label text."},
-         {"labels names -l plant.csv > ~/.config/wireshark/vornex_label_tcp.names",
-          "Where Wireshark looks by itself."}}};
+         {"labels names plant.csv > vornex_label_tcp.names",
+          "For the folder of Wireshark's preferences, where it looks by itself."}}};
     CLI::App& verb =
         verbs.addTo(group, "names", page, UsesLabels, [file](Tool& tool) { return runNames(tool, *file); });
     addArgument(verb, "FILE", *file, "A label file; without it that of -l.", Need::May);

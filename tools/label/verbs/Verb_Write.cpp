@@ -124,6 +124,9 @@ Exit_Code write(Tool& tool, const Write_Options& options) {
     Session& session = online.session;
     // all are checked before anything is written
     std::vector<Write_Plan> plans = plansOf(session, tool.labels(), options.plan, assignments);
+    for (const Write_Plan& plan : plans) {
+        if (!plan.remark.empty()) tool.out.note(plan.variable.text + ": " + plan.remark);
+    }
     if (options.dryRun) {
         for (const Write_Plan& plan : plans)
             dryRun(session, tool.out, plan);
@@ -158,6 +161,9 @@ void addWriteVerb(Verbs& verbs) {
         "\"verified\" says that the controller holds the value: --verify has read it back.\n\n"
         "A VALUE is a number (decimal, 0x, float), true or false, a list [1, 2, 3] of elements, \"text\" in quotes "
         "over one-byte elements, or @FILE with raw bytes. Types 10 and 11 cannot be written.\n\n"
+        "Over a whole array a text takes the place of the old one: what it leaves of the array becomes 0. A list or raw "
+        "bytes write as many elements as they have, and the others stay. Both are told, and so is a number that a float "
+        "does not hold: the nearest one is written.\n\n"
         "A file has LABEL=VALUE lines (# begins a comment), or what read -o json, read -o csv and snapshot write.",
         {{"write -l plant.json Speed=1500 --verify", "One value, read back."},
          {"write -l plant.json 'Grid[0,0]=[1,2,3,4]' Motors[2].Speed=12.5", "A row of an array and a member."},

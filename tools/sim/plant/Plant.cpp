@@ -12,7 +12,6 @@ namespace vornex::sim {
 namespace {
 
 constexpr std::uint32_t LargestElement = 255;
-constexpr std::size_t MotionLimit = 1000000;
 
 }  // namespace
 
@@ -37,15 +36,9 @@ Plant::Plant(Label_File labels, const Pattern& patternMode, std::uint64_t noiseS
     : file(std::move(labels)), pattern(patternMode), seed(noiseSeed), memory(memoryBytes) {
     std::map<const Label*, std::uint64_t> elements;
     if (!isPattern()) {
-        Leaf_Filter filter;
-        filter.definition = [](const Label& definition) { return !definition.sim.empty(); };
-        std::size_t motions = 0;
-        const auto take = [&](const Leaf& leaf) {
-            if (++motions > MotionLimit) throw File_Error(placeOf(leaf) + "more than a million elements with a motion");
-            addMotion(leaf, elements[leaf.definition]++);
-            return true;
-        };
-        forEachLeaf(file, take, filter);
+        const auto beyond =
+            forEachMotion(file, [&](const Leaf& leaf) { addMotion(leaf, elements[leaf.definition]++); });
+        if (beyond) throw File_Error(placeOf(*beyond) + TooManyMotions);
     }
     std::stable_sort(moving.begin(), moving.end(),
                      [](const Moving& a, const Moving& b) { return a.address < b.address; });

@@ -9,7 +9,7 @@
 
 #include "labels/Label_File.h"
 #include "sim/plant/Memory.h"
-#include "sim/plant/Value_Motion.h"
+#include "values/Value_Motion.h"
 #include "wire/Frame.h"
 
 namespace vornex::sim {

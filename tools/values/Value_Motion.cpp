@@ -1,4 +1,4 @@
-#include "sim/plant/Value_Motion.h"
+#include "values/Value_Motion.h"
 
 #include <cmath>
 #include <stdexcept>
@@ -8,9 +8,10 @@
 #include "text/Text.h"
 #include "values/Value_Codec.h"
 
-namespace vornex::sim {
+namespace vornex {
 namespace {
 
+constexpr std::size_t MotionLimit = 1000000;
 constexpr double Pi = 3.14159265358979323846;
 
 struct Motion_Name {
@@ -87,6 +88,24 @@ const char* const MotionHelp =
     "PERIOD and HOLD in ms. The elements of an array follow each other by a tenth of the period.\n"
     "A write, or set on a control line, stops the motion and its value stays.\n";
 
+const char* const TooManyMotions = "more than a million elements with a motion";
+
+std::optional<Leaf> forEachMotion(const Label_File& file, const std::function<void(const Leaf&)>& take) {
+    Leaf_Filter filter;
+    filter.definition = [](const Label& definition) { return !definition.sim.empty(); };
+    std::size_t motions = 0;
+    std::optional<Leaf> beyond;
+    const auto visit = [&](const Leaf& leaf) {
+        if (++motions > MotionLimit)
+            beyond = leaf;
+        else
+            take(leaf);
+        return !beyond;
+    };
+    forEachLeaf(file, visit, filter);
+    return beyond;
+}
+
 Motion parseMotion(const std::string& text, View view, std::uint32_t bytes) {
     const std::size_t open = text.find('(');
     if (open == std::string::npos || text.back() != ')') {
@@ -97,7 +116,9 @@ Motion parseMotion(const std::string& text, View view, std::uint32_t bytes) {
     Motion motion;
     motion.kind = name.kind;
     if (name.kind == Motion::Kind::Const) {
-        motion.bytes = bytesOf(view, bytes, view == View::Text ? inner : trimmed(inner));
+        const std::string value = view == View::Text ? inner : trimmed(inner);
+        motion.bytes = bytesOf(view, bytes, value);
+        motion.remark = inexactRemark(view, value);
         return motion;
     }
     if (view == View::Text) throw std::invalid_argument("a text cannot move, only be const(TEXT)");
@@ -132,4 +153,4 @@ double motionValue(const Motion& motion, double time, std::uint64_t element, std
     return 0;
 }
 
-}  // namespace vornex::sim
+}  // namespace vornex
