@@ -32,15 +32,15 @@ while IFS= read -r line <&3; do
     fi
     expected=$(printf %s "$line" | sed -n 's/.*  # exit \([0-9]*\)$/\1/p')
     runs=$((runs + 1))
-    eval "$line" >"out.$runs" 2>&1 </dev/null
+    eval "$line" >"$work/out.$runs" 2>&1 </dev/null
     status=$?
     case $line in
-    *'&' | kill* | *'>'* | *' -q'*) ;;
-    *) [ -s "out.$runs" ] || status="$status without output" ;;
+    *'&' | kill* | cd* | *'>'* | *' -q'*) ;;
+    *) [ -s "$work/out.$runs" ] || status="$status without output" ;;
     esac
     [ "$status" = "${expected:-0}" ] && continue
     echo "exit $status, not ${expected:-0}: $line"
-    cat "out.$runs"
+    cat "$work/out.$runs"
     exit 1
 done 3<commands
 echo "$runs commands in $blocks blocks ran as written"

@@ -161,8 +161,10 @@ void addWriteVerb(Verbs& verbs) {
         "\"verified\" says that the controller holds the value: --verify has read it back.\n\n"
         "A VALUE is a number (decimal, 0x, float), true or false, a list [1, 2, 3] of elements, \"text\" in quotes "
         "over one-byte elements, or @FILE with raw bytes. Types 10 and 11 cannot be written.\n\n"
-        "Over a whole array a text takes the place of the old one: what it leaves of the array becomes 0. A list or raw "
-        "bytes write as many elements as they have, and the others stay. Both are told, and so is a number that a float "
+        "Over a whole array a text takes the place of the old one: what it leaves of the array becomes 0. A list or "
+        "raw "
+        "bytes write as many elements as they have, and the others stay. Both are told, and so is a number that a "
+        "float "
         "does not hold: the nearest one is written.\n\n"
         "A file has LABEL=VALUE lines (# begins a comment), or what read -o json, read -o csv and snapshot write.",
         {{"write -l plant.json Speed=1500 --verify", "One value, read back."},
