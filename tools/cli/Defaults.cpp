@@ -11,7 +11,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "text/File_Error.h"
 #include "text/Host_Port.h"
 #include "text/Nearest_Word.h"
 #include "text/Text.h"

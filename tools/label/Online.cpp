@@ -7,19 +7,19 @@
 
 namespace vornex {
 
-void Link_Words::linkChanged(const Link_Change& change) {
+void Online::linkChanged(const Link_Change& change) {
     if (change.state == Link_Change::State::Down && told == Loss_Told::ByVerb) return;
-    if (change.unasked) return out.warn(linkText(change));
-    out.detail(linkText(change));
+    if (change.unasked) return tool.out.warn(linkText(change));
+    tool.out.detail(linkText(change));
 }
 
 Online::Online(Tool& userTool, Loss_Told lossTold)
     : session(userTool.driver(), userTool.options.host, userTool.labelsIfAny()),
       tool(userTool),
-      signals([this] { session.interrupt(); }),
-      linkWords(tool.out, lossTold) {
+      told(lossTold),
+      signals([this] { session.interrupt(); }) {
     session.addObserver(statistics);
-    session.addObserver(linkWords);
+    session.addObserver(*this);
     for (const std::string& file : tool.options.traces) {
         const Trace_Place place = {file, tool.outputPolicy(),
                                    [this](const Output_Error& error) { tool.outputFailed(error); }};

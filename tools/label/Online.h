@@ -24,21 +24,11 @@ enum class Loss_Told { Here, ByVerb };
 
 // Tells what the connection does that the verb's result does not show: bytes that nobody asked for are warned of, the
 // rest is for -v.
-class Link_Words : public Exchange_Observer {
-public:
-    Link_Words(Output& output, Loss_Told lossTold) : out(output), told(lossTold) {}
-    void linkChanged(const Link_Change& change) override;
-
-private:
-    Output& out;
-    const Loss_Told told;
-};
-
-class Online {
+class Online : private Exchange_Observer {
 public:
     // Throws Host_Error like its parts.
     explicit Online(Tool& tool, Loss_Told lossTold = Loss_Told::Here);
-    ~Online();
+    ~Online() override;
 
     // Throws Host_Error as Session::connect() does.
     void connect(First_Connection first = First_Connection::Needed);
@@ -47,9 +37,11 @@ public:
     Session session;
 
 private:
+    void linkChanged(const Link_Change& change) override;
+
     Tool& tool;
+    const Loss_Told told;
     Signal_Watch signals;
-    Link_Words linkWords;
     std::vector<std::unique_ptr<Trace>> traces;
 };
 

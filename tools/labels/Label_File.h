@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "labels/Label_Type.h"
-#include "text/File_Error.h"
+#include "text/Text_Input.h"
 
 namespace vornex {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "text/File_Error.h"
 #include "text/Text.h"
+#include "text/Text_Input.h"
 
 namespace vornex {
 namespace {

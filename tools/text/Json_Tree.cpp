@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "text/File_Error.h"
+#include "text/Text_Input.h"
 
 namespace vornex {
 namespace {

@@ -6,8 +6,6 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "text/File_Error.h"
-
 namespace vornex {
 namespace {
 

@@ -1,11 +1,18 @@
-// Text from files and from standard input. A device or a file of something else ends in an error, not in all memory.
+// Text from files and from standard input, and mistakes in it. A device or a file of something else ends in an error,
+// not in all memory.
 #ifndef VORNEX_TEXT_TEXT_INPUT_H
 #define VORNEX_TEXT_TEXT_INPUT_H
 
 #include <istream>
+#include <stdexcept>
 #include <string>
 
 namespace vornex {
+
+// A mistake in a file that the user wrote. what() is "FILE:LINE: label 'NAME': REASON", ready to print.
+class File_Error : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 // The whole file. Throws File_Error when it cannot be read or has more than 64 MiB.
 std::string wholeText(const std::string& path);

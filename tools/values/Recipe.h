@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "labels/Views.h"
-#include "text/File_Error.h"
+#include "text/Text_Input.h"
 
 namespace vornex {
 
