@@ -9,7 +9,7 @@
 #include "text/Text.h"
 #include "text/Text_Input.h"
 #include "values/Comparison.h"
-#include "values/Json_Value.h"
+#include "values/Row.h"
 #include "values/Value_Codec.h"
 
 namespace vornex {

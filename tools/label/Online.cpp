@@ -2,7 +2,6 @@
 
 #include <optional>
 
-#include "label/Exit_Code.h"
 #include "label/Progress.h"
 
 namespace vornex {

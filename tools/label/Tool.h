@@ -1,18 +1,41 @@
-// What a verb works with: options, output, the label file and the driver, the last two fetched when first asked for.
+// What a verb works with, and how it ends: options, output, the label file and the driver, the last two fetched when
+// first asked for.
 #ifndef VORNEX_LABEL_TOOL_H
 #define VORNEX_LABEL_TOOL_H
 
 #include <atomic>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 #include "host/Driver_Library.h"
 #include "label/Common_Options.h"
-#include "label/Exit_Code.h"
 #include "label/Output.h"
 #include "labels/Label_File.h"
 
 namespace vornex {
+
+// Scripts rely on these numbers.
+enum class Exit_Code {
+    Ok = 0,
+    Usage = 1,           // options or arguments
+    Label = 2,           // a label or the label file
+    NoConnection = 3,    // the controller cannot be reached
+    GaveUp = 4,          // the driver gave up on a request, or lost it
+    VerifyMismatch = 5,  // what was read back, or replayed, is not what was expected
+    Library = 6,         // the driver library cannot be used
+    Output = 8,          // an output could not be written; as in vornex-sim
+    Interrupted = 130,   // ended by Ctrl-C
+    ReaderGone = 141,    // nobody reads standard output any more; told by nothing but this, as shells know it
+};
+
+// Ends the verb: the message is printed and the tool exits with the code. So does a File_Error, with Label, and a
+// std::invalid_argument, with Usage.
+class Tool_Error : public std::runtime_error {
+public:
+    Tool_Error(Exit_Code exitCode, const std::string& message) : std::runtime_error(message), code(exitCode) {}
+    const Exit_Code code;
+};
 
 class Tool {
 public:

@@ -2,8 +2,8 @@
 
 #include <map>
 
-#include "labels/Label_Tree.h"
 #include "text/Csv_Table.h"
+#include "text/Json_Tree.h"
 #include "text/Number.h"
 #include "text/Text.h"
 

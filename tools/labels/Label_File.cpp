@@ -6,8 +6,8 @@
 #include <set>
 
 #include "labels/Label_Csv.h"
-#include "labels/Label_Tree.h"
 #include "text/Host_Port.h"
+#include "text/Json_Tree.h"
 #include "text/Nearest_Word.h"
 #include "text/Number.h"
 #include "text/Text.h"

@@ -16,6 +16,8 @@
 
 namespace vornex {
 
+struct Json_Node;
+
 struct Label {
     std::string name;
     Type_Ref type;
@@ -49,6 +51,9 @@ bool isCsvName(const std::string& path);
 Label_File readLabelFile(const std::string& path);
 // The same for text in memory that was read from `path`.
 Label_File parseLabels(const std::string& text, const std::string& path);
+// The one place where a label file is checked: of the tree of a JSON file, or one of the same shape made from another
+// notation, whose lines are those of the messages.
+Label_File labelFileOf(const Json_Node& root, const std::string& path);
 // The same for JSON in memory; `path` is only for messages.
 Label_File parseLabelFile(const std::string& text, const std::string& path);
 

@@ -1,4 +1,4 @@
-// One line of data: named values, as JSON or as cells.
+// Values for programs: JSON, and lines of named values as JSON or as cells.
 #ifndef VORNEX_VALUES_ROW_H
 #define VORNEX_VALUES_ROW_H
 
@@ -6,10 +6,16 @@
 #include <utility>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "values/Keys.h"
 #include "values/Value.h"
 
 namespace vornex {
+
+// Numbers stay numbers where every reader of JSON gets them right: whole numbers from 2^53 on, infinities and nan
+// become strings. Bytes of a text that are not UTF-8 become U+FFFD when it is printed.
+nlohmann::ordered_json jsonValue(const Value& value);
 
 // Named fields in the order of a line.
 class Row {

@@ -8,12 +8,9 @@
 
 #include "cli/Options.h"
 #include "cli/Program.h"
-#include "label/Common_Options.h"
-#include "label/Exit_Code.h"
+#include "label/Tool.h"
 
 namespace vornex {
-
-class Tool;
 
 // The verbs of the tool, and what the user chose among them.
 class Verbs {
