@@ -131,7 +131,7 @@ TEST(Wire_Values, followTheView) {
         {View::S16, 2, false, T::Int16, Value(-2), 0xFFFFFFFEu},
         {View::S64, 8, false, T::Int64, Value(-2), ~std::uint64_t(1)},
         {View::U64, 8, false, T::UInt64, Value::number("18446744073709551615"), ~std::uint64_t(0)},
-        {View::Hex, 4, false, T::UInt32, Value::number("0xFFFFFFFF"), 0xFFFFFFFFu},
+        {View::Hex, 4, false, T::UInt64, Value::number("0xFFFFFFFF"), std::uint64_t(0xFFFFFFFF)},
         {View::Hex, 16, false, T::String, Value("01 F4"), std::string("01 F4")},
         {View::F32, 4, false, T::Float, Value::number("0.1"), 0.1f},
         {View::F32, 8, false, T::String, Value(std::vector<Value>{Value(1), Value(2)}), std::string("[1, 2]")},

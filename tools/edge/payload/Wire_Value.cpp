@@ -14,16 +14,17 @@ bool isWhole(Data_Type type) { return numberOf(type) <= numberOf(Data_Type::UInt
 // 8, 16, 32 or 64, of a whole number.
 unsigned bitsOf(Data_Type type) { return 8u << (numberOf(type) - 1) % 4; }
 
+// Readers do not agree in which field a UInt32 is sent, and take 0 or null from the other one: 32 bits go as UInt64.
 Data_Type unsignedOf(std::uint32_t bytes) {
-    switch (bytes) {
-        case 1: return Data_Type::UInt8;
-        case 2: return Data_Type::UInt16;
-        case 4: return Data_Type::UInt32;
-        default: return Data_Type::UInt64;
-    }
+    if (bytes == 1) return Data_Type::UInt8;
+    return bytes == 2 ? Data_Type::UInt16 : Data_Type::UInt64;
 }
 
-Data_Type signedOf(std::uint32_t bytes) { return static_cast<Data_Type>(numberOf(unsignedOf(bytes)) - 4); }
+Data_Type signedOf(std::uint32_t bytes) {
+    if (bytes == 1) return Data_Type::Int8;
+    if (bytes == 2) return Data_Type::Int16;
+    return bytes == 4 ? Data_Type::Int32 : Data_Type::Int64;
+}
 
 template <class Float>
 Wire_Value floatValue(const std::string& text) {
