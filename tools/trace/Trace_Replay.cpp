@@ -47,6 +47,7 @@ public:
 
     void pollSet(const std::vector<Label_Range>& ranges) override {
         std::vector<Value> list;
+        list.reserve(ranges.size());
         for (const Label_Range& range : ranges) {
             list.push_back(std::vector<Value>{range.label, std::to_string(range.index), range.code, hostCount(range)});
         }
