@@ -108,7 +108,7 @@ std::string labelFileOf(const Word_Request& request, const Defaults& defaults) {
         const auto found = request.given.find(option);
         return found == request.given.end() ? std::string() : found->second;
     };
-    const std::string typed = given("--labels");
+    std::string typed = given("--labels");
     if (!typed.empty()) return typed;
     const std::string target = given("--target");
     const std::string controller = target.empty() ? defaults.find("target").value_or(Setting()).value : target;
