@@ -218,7 +218,7 @@ TEST(Command_Line, helpTellsWhatTheVerbTakes) {
         {"check", "--library FILE", "--timeout"},
         {"replay", "--library FILE", "--timeout"},
         {"labels lint", "--labels FILE", "--library"},
-        {"bench", "--duration SECONDS", "--rounds"},
+        {"bench", "--duration TIME", "--rounds"},
         {"", "labels convert", "completion"},
         {"write", "--target", "--count"},
         {"watch", "--target", "--count"},

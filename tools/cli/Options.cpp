@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "text/Number.h"
+#include "text/Time_Text.h"
 
 namespace vornex {
 
@@ -101,6 +102,22 @@ void addNumber(CLI::App& app, const std::string& names, const std::string& value
     };
     const std::string range = static_cast<double>(high) < TellingLimit ? shown(low) + " to " + shown(high) : "";
     app.add_option(names, take, help + remark(range, shown(target)))->type_name(value)->check(check);
+}
+
+void addDuration(CLI::App& app, const std::string& names, double& seconds, double low, double high,
+                 const std::string& help) {
+    const auto check = [low, high](const std::string& text) {
+        try {
+            return realNumber(shortestNumber(secondsOf(text)), low, high), std::string();
+        } catch (const std::invalid_argument& reason) {
+            return std::string(reason.what());
+        }
+    };
+    const auto take = [&seconds](const CLI::results_t& given) {
+        seconds = secondsOf(given.back());
+        return true;
+    };
+    app.add_option(names, take, help + remark("", shown(seconds)))->type_name("TIME")->check(check);
 }
 
 template <class Target>

@@ -53,6 +53,10 @@ template <class Target>
 void addNumber(CLI::App& app, const std::string& names, const std::string& value, Target& target, Number_Of<Target> low,
                Number_Of<Target> high, const std::string& help);
 
+// A duration in seconds, given as 90, 90s, 5min, 8h or 2d.
+void addDuration(CLI::App& app, const std::string& names, double& seconds, double low, double high,
+                 const std::string& help);
+
 }  // namespace vornex
 
 #endif

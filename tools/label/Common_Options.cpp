@@ -31,14 +31,15 @@ void addLinkOptions(CLI::App& app, Common_Options& values) {
 }  // namespace
 
 void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses) {
-    if (uses == UsesLink) addLinkOptions(app, values);
+    if ((uses & UsesLink) == UsesLink) addLinkOptions(app, values);
     startGroup(app, "Common options");
     if (uses & UsesLabels) addText(app, "-l,--labels", "FILE", values.labelFile, "The label file.");
     if (uses & UsesDriver) {
         addText(app, "--library", "FILE", values.library, "The driver library; without it the one beside the tool.");
     }
-    addChoice(app, "-o,--output", {"text", "json", "csv"}, values.format,
-              "How data is written; json: an object a line.");
+    std::vector<std::string> formats = {"text", "json", "csv"};
+    if (uses & UsesInflux) formats.push_back("influx");
+    addChoice(app, "-o,--output", formats, values.format, "How data is written; json: an object a line.");
     addChoice(app, "--time", {"absolute", "relative"}, values.times,
               "How times are told: with date and zone, or in seconds since the start.");
     addFlag(app, "-q,--quiet", values.quiet, "Errors only.");

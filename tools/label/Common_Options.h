@@ -27,7 +27,13 @@ struct Common_Options {
 };
 
 // What a verb works with, and so which options it takes beside those of the output. A verb with a link needs them all.
-enum Uses : unsigned { UsesOutput = 0, UsesLabels = 1, UsesDriver = 2, UsesLink = 4 | UsesLabels | UsesDriver };
+enum Uses : unsigned {
+    UsesOutput = 0,
+    UsesLabels = 1,
+    UsesDriver = 2,
+    UsesLink = 4 | UsesLabels | UsesDriver,
+    UsesInflux = 8  // has values with times, which -o influx writes
+};
 
 void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses);
 

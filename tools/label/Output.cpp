@@ -59,18 +59,18 @@ std::string Output::time(Wall_Time when) const {
     return times == Times::Absolute ? timeText(when) : timeSinceText(start, when);
 }
 
-void Output::error(const std::string& words) { message("vornex-label: " + words); }
+void Output::error(const std::string& words) { message((forCollector() ? "E! " : "vornex-label: ") + words); }
 
 void Output::warn(const std::string& words) {
-    if (!quiet) message("vornex-label: warning: " + words);
+    if (!quiet) message((forCollector() ? "W! " : "vornex-label: warning: ") + words);
 }
 
 void Output::note(const std::string& words) {
-    if (!quiet) message(words);
+    if (!quiet) message((forCollector() ? "I! " : "") + words);
 }
 
 void Output::detail(const std::string& words) {
-    if (verbose && !quiet) message(words);
+    if (verbose && !quiet) message((forCollector() ? "D! " : "") + words);
 }
 
 void Output::message(const std::string& line) {

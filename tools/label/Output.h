@@ -17,7 +17,7 @@ namespace vornex {
 // written, then and ever after; messages that cannot be told are lost.
 class Output {
 public:
-    enum class Format { Text, Json, Csv };
+    enum class Format { Text, Json, Csv, Influx };
 
     // Times are told as they are on the clock, or since the start.
     enum class Times { Absolute, Relative };
@@ -59,6 +59,8 @@ public:
     const bool messagesOnTerminal;  // stderr is one
 
 private:
+    // Who collects lines for a database sorts messages by their first letter.
+    bool forCollector() const { return format == Format::Influx; }
     void message(const std::string& line);
     void tell(const std::string& text);
     void clearProgress();

@@ -6,6 +6,7 @@ namespace {
 
 Output::Format formatOf(const std::string& name) {
     if (name == "json") return Output::Format::Json;
+    if (name == "influx") return Output::Format::Influx;
     return name == "csv" ? Output::Format::Csv : Output::Format::Text;
 }
 
@@ -44,6 +45,11 @@ Output_Policy Tool::outputPolicy() const {
         if (!file.empty()) policy.filesRead.push_back(file);
     }
     return policy;
+}
+
+void Tool::outputIncomplete(const std::string& words) {
+    failedOutput = true;
+    out.warn(words);
 }
 
 void Tool::outputFailed(const Output_Error& error) {

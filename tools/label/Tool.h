@@ -52,6 +52,8 @@ public:
     Output_Policy outputPolicy() const;
     // Any thread: one of several outputs has ended too early. It is told, and the exit code will say so.
     void outputFailed(const Output_Error& error);
+    // The same for one that goes on and lacks something.
+    void outputIncomplete(const std::string& words);
     bool anOutputFailed() const { return failedOutput; }
 
     const Common_Options options;

@@ -5,32 +5,40 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "label/Output.h"
-#include "watch/Watched.h"
+#include "watch/Change_Filter.h"
 
 namespace vornex {
 
 // A line for each value that differs from the one shown last by more than the deadband, or is fresh again.
 class Change_Lines : public Watch_Output {
 public:
-    Change_Lines(Output& output, double deadbandWidth) : out(output), deadband(deadbandWidth) {}
+    Change_Lines(Output& output, double deadbandWidth) : out(output), filter(deadbandWidth) {}
     void update(const std::vector<Watched>& all, int round) override;
     void link(const Link_Change& change) override;
 
-private:
-    struct Shown {
-        bool any = false;
-        Value value;
-        Freshness freshness = Freshness::Unknown;
-    };
-    bool differs(const Shown& last, const Watched& now) const;
-
+protected:
     Output& out;
-    const double deadband;
-    std::vector<Shown> shown;
+    Change_Filter filter;
+};
+
+// The line protocol of InfluxDB: all fresh values of each round, or those that have changed.
+class Point_Lines : public Change_Lines {
+public:
+    Point_Lines(Output& output, std::string controllerName, std::optional<double> deadbandOfChanges)
+        : Change_Lines(output, deadbandOfChanges.value_or(0)),
+          controller(std::move(controllerName)),
+          changesOnly(deadbandOfChanges.has_value()) {}
+    void update(const std::vector<Watched>& all, int round) override;
+
+private:
+    const std::string controller;
+    const bool changesOnly;
 };
 
 // The table. On a terminal it has the screen for itself, like a pager, is drawn anew after each round and each change

@@ -1,34 +1,19 @@
 // The changes of a watch, line by line.
 #include "label/Watch_Display.h"
 
-#include <cmath>
-
 #include "host/Variable_Value.h"
 #include "text/Time_Text.h"
-#include "values/Comparison.h"
+#include "watch/Watch_Row.h"
 
 namespace vornex {
 
-bool Change_Lines::differs(const Shown& last, const Watched& now) const {
-    if (!last.any || last.freshness != now.freshness) return true;
-    if (now.freshness != Freshness::Fresh || last.value == now.value) return false;
-    const std::optional<double> before = numberOf(last.value), after = numberOf(now.value);
-    // a double does not tell the largest whole numbers apart
-    return deadband == 0 || !before || !after || !(std::fabs(*after - *before) <= deadband);
-}
-
 void Change_Lines::update(const std::vector<Watched>& all, int) {
-    shown.resize(all.size());
     const std::string time = out.time(std::chrono::system_clock::now());
     for (std::size_t i = 0; i < all.size(); ++i) {
-        if (!differs(shown[i], all[i])) continue;
-        shown[i] = {true, all[i].value, all[i].freshness};
+        if (!filter.isNews(i, all[i])) continue;
         // The loss of the connection makes all stale at once and is told once.
         if (all[i].freshness == Freshness::Stale && out.format == Output::Format::Text) continue;
-        Row row;
-        row.add(key::time, time).add(key::label, all[i].variable.text).add(key::value, all[i].value);
-        row.add(key::unit, all[i].variable.unit).add(key::state, freshnessName(all[i].freshness));
-        out.row(row, time + "  " + assignmentText(all[i].variable, all[i].value));
+        out.row(watchRow(time, all[i]), time + "  " + assignmentText(all[i].variable, all[i].value));
     }
     out.flush();
 }
@@ -44,6 +29,15 @@ void Change_Lines::link(const Link_Change& change) {
                              : change.state == Link_Change::State::Down ? "; the values are stale until they come again"
                                                                         : "; waiting for the controller";
     out.note(out.time(change.at) + "  -- " + linkText(change) + what);
+}
+
+void Point_Lines::update(const std::vector<Watched>& all, int) {
+    const Wall_Time now = std::chrono::system_clock::now();
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        if (changesOnly && !filter.isNews(i, all[i])) continue;
+        out.block(watchLine(Line_Format::Influx, controller, all[i], now));
+    }
+    out.flush();
 }
 
 }  // namespace vornex

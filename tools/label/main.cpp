@@ -151,7 +151,7 @@ void takeDefaults(Verbs& verbs, Output& out) {
 }  // namespace
 
 Verbs::Verbs() : program(makeProgram("vornex-label", VORNEX_VERSION, ToolPage)) {
-    addCommonOptions(*program, options, UsesLink);
+    addCommonOptions(*program, options, UsesLink | UsesInflux);
 #define VORNEX_ADD_VERB(add) add(*this);
     VORNEX_VERBS(VORNEX_ADD_VERB)
 #undef VORNEX_ADD_VERB
@@ -159,7 +159,11 @@ Verbs::Verbs() : program(makeProgram("vornex-label", VORNEX_VERSION, ToolPage)) 
 }
 
 CLI::App& Verbs::addTo(CLI::App& group, const std::string& name, const Page& page, unsigned uses, Run run) {
-    CLI::App& verb = addVerb(group, name, page, [this, run] { chosen = run; });
+    CLI::App& verb = addVerb(group, name, page, [this, run, uses] {
+        const bool isWrong = options.format == "influx" && !(uses & UsesInflux);
+        if (isWrong) throw Tool_Error(Exit_Code::Usage, "-o influx is for values with times: watch");
+        chosen = run;
+    });
     addCommonOptions(verb, options, uses);
     return verb;
 }

@@ -127,6 +127,10 @@ void Output_File::open() {
     if (fd < 0) fail(errno);
 }
 
+void Output_File::mend() {
+    if (torn > 0 && fd < 0) open();
+}
+
 void Output_File::write(const std::string& text) {
     if (failed) return;
     buffer += text;
@@ -200,7 +204,7 @@ void Output_File::fail(int error) {
     const std::size_t complete = lastEnd == std::string::npos ? 0 : lastEnd + 1;
     if (regular && fd >= 0 && sent > complete) (void)!ftruncate(fd, static_cast<off_t>(size + complete));
     lines += linesIn(0, complete);
-    const std::uint64_t missing = linesIn(complete, buffer.size());
+    missing = linesIn(complete, buffer.size());
     failed = true;
     std::string message = shownName + ": " + (error == ETIMEDOUT ? "its reader stands still" : std::strerror(error));
     if (takesNameAtEnd) {

@@ -59,6 +59,11 @@ public:
     // Of a file that is continued: its first line; empty when there is none. A last line without end is cut off at the
     // first flush.
     const std::string& firstLine() const { return oldFirstLine; }
+    // The bytes of such a last line; and: cuts it off now.
+    std::uint64_t tornBytes() const { return torn; }
+    void mend();
+    // After a failure: the lines of the text given that the file does not hold.
+    std::uint64_t missingLines() const { return missing; }
 
     // Any thread: nobody waits for slow readers any more; a write that would wait fails.
     static void stopWaiting();
@@ -86,7 +91,8 @@ private:
     std::size_t sent = 0;  // of the buffer
     std::string oldFirstLine;
     std::uint64_t torn = 0;
-    std::uint64_t size = 0;   // of a regular file, up to its last complete line
+    std::uint64_t size = 0;  // of a regular file, up to its last complete line
+    std::uint64_t missing = 0;
     std::uint64_t lines = 0;  // that are complete and written by this object
 };
 

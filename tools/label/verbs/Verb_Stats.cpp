@@ -205,7 +205,7 @@ void addStatsVerb(Verbs& verbs) {
          {"stats -l plant.json Speed -d 5 -o json", "An object a second, the last one the summary."}}};
     CLI::App& verb = verbs.add("stats", page, UsesLink, [own](Tool& tool) { return stats(tool, *own); });
     addLabelArguments(verb, own->labels);
-    addNumber(verb, "-d,--duration", "SECONDS", own->seconds, 0, 1e6, "End after so long; 0: go on.");
+    addDuration(verb, "-d,--duration", own->seconds, 0, 1e8, "End after so long; 0: go on.");
     addRoundsOption(verb, own->rounds);
     addIntervalOption(verb, own->interval);
     addNoWaitOption(verb, own->noWait);
@@ -225,7 +225,7 @@ void addBenchVerb(Verbs& verbs) {
          {"bench -l plant.json '*' -o csv", "A table for a spreadsheet."}}};
     CLI::App& verb = verbs.add("bench", page, UsesLink, [own](Tool& tool) { return bench(tool, *own); });
     addLabelArguments(verb, own->labels);
-    addNumber(verb, "-d,--duration", "SECONDS", own->seconds, 0.01, 3600, "How long each size is tried.");
+    addDuration(verb, "-d,--duration", own->seconds, 0.01, 3600, "How long each size is tried.");
     addIndexOptions(verb, own->index);
 }
 

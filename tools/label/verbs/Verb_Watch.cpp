@@ -1,4 +1,5 @@
 // vornex-label watch
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 #include "labels/Label_Names.h"
 #include "values/Comparison.h"
 #include "watch/Csv_Log.h"
+#include "watch/Log_Folder.h"
 #include "watch/Watch_Events.h"
 
 namespace vornex {
@@ -26,6 +28,12 @@ struct Watch_Options {
     std::string until;
     double deadband = 0;
     bool noWait = false;
+    double seconds = 0;
+    std::string log;
+    std::string logFormat = "csv";
+    std::string rotate = "1d";
+    std::uint64_t keep = 0;
+    bool changes = false;
 };
 
 const Milliseconds TickTime{250};
@@ -39,6 +47,9 @@ public:
 private:
     void chooseVariables();
     void chooseOutputs();
+    void chooseLog();
+    std::string controller() const;
+    std::optional<double> changesOnly() const;
     void startPolling();
     void show(const std::function<void(Watch_Output&)>& what);
     void tell(const Watch_News& news);
@@ -52,6 +63,8 @@ private:
     Online online;
     std::vector<Watched> all;
     std::vector<std::unique_ptr<Watch_Output>> outputs;
+    const Log_Folder* log = nullptr;  // among them
+    Steady_Time endTime = Steady_Time::max();
     Comparison condition;
     std::size_t conditionAt = 0;  // in `all`
     bool met = false;
@@ -94,10 +107,42 @@ void Watch::chooseOutputs() {
         // only the files and the exit code are wanted
     } else if (options.table && isText) {
         outputs.push_back(std::make_unique<Live_Table>(tool.out, online.session.target()));
+    } else if (tool.out.format == Output::Format::Influx) {
+        outputs.push_back(std::make_unique<Point_Lines>(tool.out, controller(), changesOnly()));
     } else {
         outputs.push_back(std::make_unique<Change_Lines>(tool.out, options.deadband));
     }
     if (!options.csv.empty()) outputs.push_back(std::make_unique<Csv_Log>(options.csv, tool.outputPolicy(), all));
+    if (!options.log.empty()) chooseLog();
+}
+
+// By its name if it has one.
+std::string Watch::controller() const {
+    const auto named = tool.options.settings.find("controller");
+    return named == tool.options.settings.end() ? online.session.target() : named->second.value;
+}
+
+std::optional<double> Watch::changesOnly() const {
+    return options.changes ? std::make_optional(options.deadband) : std::nullopt;
+}
+
+void Watch::chooseLog() {
+    Log_Settings settings;
+    settings.folder = options.log;
+    settings.format = options.logFormat == "csv"    ? Line_Format::Csv
+                      : options.logFormat == "json" ? Line_Format::Json
+                                                    : Line_Format::Influx;
+    try {
+        settings.rotation = parseRotation(options.rotate);
+    } catch (const std::invalid_argument& mistake) {
+        throw Tool_Error(Exit_Code::Usage, std::string("--rotate: ") + mistake.what());
+    }
+    settings.keep = options.keep;
+    settings.controller = controller();
+    settings.changesOnly = changesOnly();
+    auto folder = std::make_unique<Log_Folder>(settings, [this](const std::string& words) { tool.out.warn(words); });
+    log = folder.get();
+    outputs.push_back(std::move(folder));
 }
 
 void Watch::startPolling() {
@@ -146,6 +191,7 @@ bool Watch::conditionMet() const {
 
 Exit_Code Watch::end() {
     show([this](Watch_Output& output) { output.finish(all); });
+    if (log && log->lostLines()) tool.outputIncomplete(options.log + ": lines are missing in the log");
     tool.out.note(online.statistics.summary());
     if (online.session.interrupted()) return Exit_Code::Interrupted;
     if (met) return Exit_Code::Ok;
@@ -169,7 +215,8 @@ bool Watch::take(const Watch_News& news) {
     if (changed) show([&](Watch_Output& output) { output.update(all, news.rounds); });
     if (!changed) show([this](Watch_Output& output) { output.tick(all); });
     met = conditionMet();
-    if (news.interrupted || met || (options.rounds > 0 && news.rounds >= options.rounds)) return false;
+    const bool isOver = std::chrono::steady_clock::now() >= endTime;
+    if (news.interrupted || met || isOver || (options.rounds > 0 && news.rounds >= options.rounds)) return false;
     if (news.newRound) online.session.roundTaken();
     return true;
 }
@@ -180,9 +227,12 @@ Exit_Code Watch::run() {
     online.session.addObserver(events);
     online.connect(options.noWait ? First_Connection::Needed : First_Connection::MayFollow);
     startPolling();
+    const std::chrono::duration<double> seconds(options.seconds);
+    if (options.seconds > 0)
+        endTime = std::chrono::steady_clock::now() + std::chrono::duration_cast<Milliseconds>(seconds);
     Watch_News news;
     do {
-        news = events.wait(std::chrono::steady_clock::now() + TickTime);
+        news = events.wait(std::min(endTime, std::chrono::steady_clock::now() + TickTime));
     } while (take(news));
     return end();
 }
@@ -196,21 +246,34 @@ void addWatchVerb(Verbs& verbs) {
         "Polls labels through the driver's cyclic list, as a panel does, until Ctrl-C. It goes on while the controller "
         "is away: the loss and the return of the connection are told, values are stale from the loss until they have "
         "come again, and a value that never came is ?, not 0.\n\n"
+        "--log keeps the values of every round for days, a line a variable: the files are named by number and time, "
+        "the "
+        "newest one is gone on with at the next start, and a full disk is told and survived. -o influx prints the line "
+        "protocol of InfluxDB, with messages for a collector (E! W! I!) on standard error.\n\n"
         "Exit status 4 tells that values were not fresh when the rounds ended, 5 that --until was not met by then.",
         {{"watch -l plant.json Speed 'Motors[*].Temp' --table", "A live table."},
          {"watch -l plant.json Speed --until 'Speed>100' -n 50", "Wait for a value, 50 rounds at most."},
          {"watch -l plant.json Motors -i 1000 --csv log.csv -o json",
-          "Changes as JSON lines, and a log of every round."}}};
-    CLI::App& verb = verbs.add("watch", page, UsesLink, [own](Tool& tool) { return Watch(tool, *own).run(); });
+          "Changes as JSON lines, and a log of every round."},
+         {"watch -l plant.json '*' --log press3 --keep 30 --changes -q", "The changes of the last month."},
+         {"watch -l plant.json '*' -i 1000 -o influx", "Points for a database."}}};
+    CLI::App& verb =
+        verbs.add("watch", page, UsesLink | UsesInflux, [own](Tool& tool) { return Watch(tool, *own).run(); });
     addLabelArguments(verb, own->labels);
     addFlag(verb, "--table", own->table, "A table that is kept up to date.");
     addRoundsOption(verb, own->rounds);
+    addDuration(verb, "-d,--duration", own->seconds, 0, 1e8, "End after so long; 0: go on.");
     addIntervalOption(verb, own->interval);
     addText(verb, "--until", "CONDITION", own->until,
             "End when it is met: LABEL, one of > >= < <= == !=, and a value.");
     addNumber(verb, "--deadband", "X", own->deadband, 0, 1e300,
               "Show a number again only when it has moved by more than X.");
+    addFlag(verb, "--changes", own->changes, "Keep changes alone with --log and -o influx, instead of every round.");
     addText(verb, "--csv", "FILE", own->csv, "Write a line with all values for every round.");
+    addText(verb, "--log", "DIR", own->log, "Keep the values in files of this folder.");
+    addChoice(verb, "--log-format", {"csv", "json", "influx"}, own->logFormat, "How these files are written.");
+    addText(verb, "--rotate", "WHEN", own->rotate, "A new file each hour or day (1h, 1d), or at a size (50M).");
+    addNumber(verb, "--keep", "N", own->keep, 0, 1000000, "Keep the newest N of these files; 0: all.");
     addNoWaitOption(verb, own->noWait);
     addIndexOptions(verb, own->index);
 }
