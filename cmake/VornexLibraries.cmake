@@ -25,18 +25,19 @@ endif()
 set(vornex_with_edge OFF)
 if(VORNEX_TOOLS AND VORNEX_EDGE)
   find_package(Protobuf QUIET)
+  find_package(ZLIB QUIET)
   find_path(MOSQUITTO_INCLUDE_DIR mosquitto.h DOC "Folder that holds mosquitto.h")
   find_library(MOSQUITTO_LIBRARY mosquitto DOC "libmosquitto")
-  if(TARGET protobuf::libprotobuf-lite AND TARGET protobuf::protoc AND MOSQUITTO_INCLUDE_DIR AND MOSQUITTO_LIBRARY)
+  if(TARGET protobuf::libprotobuf-lite AND TARGET protobuf::protoc AND TARGET ZLIB::ZLIB AND MOSQUITTO_INCLUDE_DIR AND MOSQUITTO_LIBRARY)
     set(vornex_with_edge ON)
     add_library(vornex_mosquitto INTERFACE)
     target_include_directories(vornex_mosquitto SYSTEM INTERFACE "${MOSQUITTO_INCLUDE_DIR}")
     target_link_libraries(vornex_mosquitto INTERFACE "${MOSQUITTO_LIBRARY}")
   elseif(VORNEX_EDGE STREQUAL "auto")
-    message(STATUS "No vornex-edge: it needs libmosquitto, protobuf-lite and protoc (Debian: libmosquitto-dev, "
+    message(STATUS "No vornex-edge: it needs libmosquitto, protobuf-lite, protoc and zlib (Debian: libmosquitto-dev, "
                    "libprotobuf-dev, protobuf-compiler)")
   else()
-    message(FATAL_ERROR "vornex-edge needs libmosquitto, protobuf-lite and protoc (Debian: libmosquitto-dev, "
+    message(FATAL_ERROR "vornex-edge needs libmosquitto, protobuf-lite, protoc and zlib (Debian: libmosquitto-dev, "
                         "libprotobuf-dev, protobuf-compiler); -DVORNEX_EDGE=OFF leaves it out")
   endif()
 endif()
