@@ -81,60 +81,14 @@ TEST_F(Stress, aReplyOfZerosIsNoValue) {
     }
 }
 
-int controllerValue(Sim_Process& sim) {
-    sim.writeLine("get 100 4");
-    const QByteArray bytes = QByteArray::fromHex(QByteArray(sim.readLine().c_str()).mid(3));
-    return bytes.size() == 4 ? static_cast<unsigned char>(bytes.at(0)) | static_cast<unsigned char>(bytes.at(1)) << 8 |
-                                   static_cast<unsigned char>(bytes.at(2)) << 16
-                             : -1;
-}
-
 TEST_F(Stress, eachWriteIsConfirmedAndInPlaceOrReportedAsGivenUp) {
-    QList<Label_Type_Info> labels = {makeLabel("Counter", 5, 100)};
-    PassVarName_2(&labels);
-    settings.retryLimit = 1;
     std::vector<std::string> faults = EveryFault;
     faults.push_back("drop@every=11");  // often enough to give up now and then
     faults.push_back("rst(3)@every=7");
     Sim_Process sim(withFaults({"--labels", COUNTER_LABELS, "--control", "-", "-q"}, faults));
     ASSERT_NE(0, sim.port());
     Tcp_Host host(sim.port(), 30);
-    int number = 0;
-    long states[3] = {};
-    while (host.exchanges < wantedExchanges() / 3) {
-        QList<int> expected, seen, possible = {number};
-        for (int i = 0; i < 4; ++i) {
-            expected << ++number;
-            QByteArray value(4, '\0');
-            for (int byte = 0; byte < 3; ++byte)
-                value[byte] = static_cast<char>(number >> 8 * byte);
-            SetRegisterData(text("Counter"), 0, QString(), 0, &value, 2, 5, number);
-        }
-        notices().clear();
-        for (int tries = 0; notices().size() < 4 && tries < 200; ++tries)
-            host.exchange();
-        for (const Notice& notice : notices()) {
-            seen << notice.varId;
-            ++states[notice.state];
-            if (notice.state == 1) possible.clear();  // a later write stands in the place of all before it
-            possible << notice.varId;
-        }
-        ASSERT_EQ(expected, seen);
-        const int value = controllerValue(sim);
-        ASSERT_TRUE(possible.contains(value))
-            << value << " instead of " << possible.first() << " to " << possible.last();
-        // What was given up may have arrived: begin the next four from what is there.
-        if (value != number) {
-            QByteArray known(4, '\0');
-            for (int byte = 0; byte < 3; ++byte)
-                known[byte] = static_cast<char>(number >> 8 * byte);
-            sim.writeLine(("set 100 " + known.toHex()).constData());
-            ASSERT_EQ("ok", sim.readLine());
-        }
-    }
-    EXPECT_GT(states[1], states[2]);
-    EXPECT_GT(states[2], 0);
-    std::printf("%ld writes confirmed, %ld given up, %ld exchanges\n", states[1], states[2], host.exchanges);
+    writeAndCompare(host, sim, wantedExchanges() / 3);
 }
 
 }  // namespace

@@ -48,8 +48,11 @@ int Tcp_Host::exchange() {
 
 bool Tcp_Host::connect() {
     if (client && rules.startAfresh && client->somethingWaits()) client.reset();  // surplus, or the connection's end
-    if (!client) client = std::make_unique<Tcp_Client>(port, patience);
-    if (!client->isConnected()) client.reset();
+    if (client) return true;
+    client = std::make_unique<Tcp_Client>(port, patience);
+    const bool unwanted = client->isConnected() && rules.settleMs >= 0 && client->somethingWaits(rules.settleMs);
+    unasked += unwanted ? 1 : 0;
+    if (unwanted || !client->isConnected()) client.reset();
     return client != nullptr;
 }
 

@@ -12,6 +12,7 @@ struct Protocol;
 struct Host_Rules {
     bool startAfresh = true;  // after a time-out or surplus bytes: a new connection before anything is sent again
     bool checkCounts = true;  // a reply whose items are not those asked for is not handed over
+    int settleMs = 10;        // a new connection is listened to before the first frame; below 0: it is not
 };
 
 class Tcp_Host {
@@ -22,10 +23,13 @@ public:
     // One frame of the driver's there and back. The status that DataCom gave; -1 when there was nothing to send.
     int exchange();
 
+    void close() { client.reset(); }
+
     long zerosEvery = 0;  // a fault of the line: every so many replies arrive as zeros of the same length; 0: none
 
     long exchanges = 0;
     long failures = 0;  // replies that did not come as they should
+    long unasked = 0;   // new connections on which something came before the first frame, their end included
     long zeroed = 0;    // replies that arrived as zeros
     long replies = 0;   // that arrived at all
 

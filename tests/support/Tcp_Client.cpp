@@ -37,7 +37,7 @@ bool Tcp_Client::isReady(short events, double until) const {
     }
 }
 
-bool Tcp_Client::somethingWaits() const { return isReady(POLLIN, 0); }
+bool Tcp_Client::somethingWaits(int withinMs) const { return isReady(POLLIN, clockMs() + withinMs); }
 
 bool Tcp_Client::send(const std::string& bytes) {
     const double until = clockMs() + patienceMs;

@@ -23,8 +23,8 @@ public:
     bool send(const std::string& bytes);
     // Exactly so many bytes, fewer when the connection ends before or the time is over.
     std::string receive(std::size_t bytes);
-    // Something can be received now: bytes, or the connection's end.
-    bool somethingWaits() const;
+    // Something can be received within this time: bytes, or the connection's end.
+    bool somethingWaits(int withinMs = 0) const;
     // How the connection ended, as far as sending and receiving have shown; the second one waits for it.
     End end() const { return seenEnd; }
     End waitForEnd();
