@@ -2,6 +2,7 @@
 // Run: minimal_host LIBRARY PORT [ROUNDS [MS]], against vornex-sim -l examples/plant.json -p PORT.
 #include <arpa/inet.h>
 #include <dlfcn.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <vornex_label_tcp/Entry_Points.h>
@@ -100,7 +101,8 @@ struct Link {
         socket = -1;
     }
 
-    // A connection on which no byte waits: a byte that nobody asked for belongs to an earlier request.
+    // A connection on which no byte waits: a byte that nobody asked for belongs to an earlier request, or to another
+    // client. A new connection is listened to for a moment.
     bool ready() {
         char surplus;
         if (socket >= 0 && (recv(socket, &surplus, 1, MSG_DONTWAIT) >= 0 || (errno != EAGAIN && errno != EINTR)))
@@ -114,7 +116,9 @@ struct Link {
         socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
         setsockopt(socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);  // also ends connect
         setsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-        if (connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) close();
+        const bool connected = connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+        pollfd quiet = {socket, POLLIN, 0};
+        if (!connected || poll(&quiet, 1, 20) != 0) close();
         const Milliseconds longer = std::min(std::max(2 * away, Milliseconds(100)), Milliseconds(2000));
         away = socket >= 0 ? Milliseconds(0) : longer;
         return socket >= 0;

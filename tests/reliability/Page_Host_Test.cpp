@@ -6,13 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "Hostile_Proxy.h"
 #include "Sim_Process.h"
 
 namespace vornex::test {
 namespace {
-
-constexpr int Rounds = 20;
-constexpr int PauseMs = 50;
 
 struct Host_Run {
     int exitCode = -1;
@@ -22,11 +20,11 @@ struct Host_Run {
     std::string text;
 };
 
-Host_Run runHost(int port) {
+Host_Run runHost(int port, int rounds = 20, int pauseMs = 50) {
     Host_Run run;
     const double start = clockMs();
     const std::string command =
-        HOST " " LIBRARY " " + std::to_string(port) + " " + std::to_string(Rounds) + " " + std::to_string(PauseMs);
+        HOST " " LIBRARY " " + std::to_string(port) + " " + std::to_string(rounds) + " " + std::to_string(pauseMs);
     const Outcome outcome = runCommand(".", command, [&run](const std::string& line, pid_t) {
         std::sscanf(line.c_str(), "%*d rounds of 2 requests, %ld exchanges, %ld failed", &run.exchanges, &run.failed);
     });
@@ -36,10 +34,11 @@ Host_Run runHost(int port) {
     return run;
 }
 
-TEST(Page_Host, pausesBetweenRounds) {
+TEST(Page_Host, pausesBetweenRoundsForTenSeconds) {
+    constexpr int Rounds = 100, PauseMs = 100;
     Sim_Process sim({"-l", EXAMPLES_DIR "/plant.json", "-o", "json"});
     ASSERT_NE(sim.port(), 0);
-    const Host_Run run = runHost(sim.port());
+    const Host_Run run = runHost(sim.port(), Rounds, PauseMs);
     EXPECT_EQ(sim.finish(), 0);
     EXPECT_EQ(run.exitCode, 0) << run.text;
     EXPECT_NE(run.text.find("Speed = "), std::string::npos) << run.text;
@@ -68,6 +67,18 @@ TEST(Page_Host, refusesWhatIsNoAnswerAndGoesOn) {
     EXPECT_GE(sim.counted("swap"), 4) << sim.summary();
     EXPECT_NE(sim.summary().find("\"neverApplied\":[]"), std::string::npos) << sim.summary();
     EXPECT_EQ(sim.counted("faults"), run.failed) << run.text << sim.summary();
+}
+
+// A gateway swallows a reply, and its next connection begins with an old one: neither is taken for a reply.
+TEST(Page_Host, listensToANewConnectionBeforeItsFirstFrame) {
+    const std::string gateway = "the one before to the next connection";
+    Sim_Process sim({"-l", PLANT, "-q"});
+    Hostile_Proxy proxy(sim.port(), 8, gateway);
+    const Host_Run run = runHost(proxy.port());
+    proxy.finish();
+    ASSERT_GE(proxy.injected().at(gateway), 2);
+    EXPECT_EQ(run.exitCode, 0) << run.text;
+    EXPECT_GE(run.failed, 2 * proxy.injected().at(gateway) - 1) << run.text;  // the last one may come with the end
 }
 
 }  // namespace
