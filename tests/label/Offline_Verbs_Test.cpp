@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -14,20 +12,6 @@
 
 namespace vornex::test {
 namespace {
-
-struct Expected {
-    const char* arguments;
-    int code;
-    const char* text;  // stands in the output
-};
-
-void expectAll(const std::vector<Expected>& rows) {
-    for (const Expected& row : rows) {
-        const Outcome outcome = run(row.arguments);
-        EXPECT_EQ(outcome.code, row.code) << row.arguments << "\n" << outcome.text;
-        EXPECT_TRUE(outcome.holds(row.text)) << row.arguments << "\n" << outcome.text;
-    }
-}
 
 const char Plant[] = " -l " PLANT " ";
 
@@ -113,10 +97,23 @@ TEST(Decode, tellsFramesRepliesAndFaults) {
 }
 
 TEST(Ls, showsTreeAndElements) {
-    expectAll({{"ls -l " PLANT, 0, "\nBuf[0..31]        1/16    hex        700        32\n"},
-               {"ls Line.Feed.Axis.Error -l " PLANT, 0, "\n      Error     4       s16       1072         2\n"},
-               {"ls 'Motors[3]*Temp' --elements -o csv -l " PLANT, 0, "\nMotors[3].Temp,4,s16,604,2,C\n"},
-               {"ls 'Nope*' -l " PLANT, 2, "no label matches 'Nope*'"}});
+    expectAll(
+        {{"ls -l " PLANT, 0, "\nBuf[0..31]        1/16    hex        700        32\n"},
+         {"ls Line.Feed.Axis.Error -l " PLANT, 0, "\n      Error     4       s16       1072         2\n"},
+         {"ls 'Motors[3]*Temp' --elements -o csv -l " PLANT, 0, "\nMotors[3].Temp,4,s16,604,2,C\n"},
+         {"ls 'Nope*' -l " PLANT, 2, "no label matches 'Nope*'"},
+         // paths with all indexes, with some, with a glob behind them
+         {"ls 'Motors[2].Speed' -l " PLANT, 0, "\nMotors[2]  MotorT             548        48\n  Speed    7 "},
+         {"ls 'Line[2].Feed.Axis[2].Error' -l " PLANT, 0, "\n      Error   4       s16       1244         2\n"},
+         {"ls 'Motors[3].S*' -o csv -l " PLANT, 0, "\nMotors[3].Speed,7,f32,600,4,1,4,rpm,1\n"},
+         {"ls 'Buf[1A]' -l " PLANT, 0, "\nBuf[1a]  1/16  hex        726         1\n"},
+         {"ls 'Motors[%%].Temp' -l " PLANT, 0, "\nMotors[1..4]  MotorT             500       192\n  Temp"},
+         {"ls 'Line.Feed[2].Speed' --elements -l " PLANT, 0, "\nLine[2].Feed[2].Speed  7 "},
+         {"ls Motors --elements -o csv -l " PLANT, 0, "\nMotors[4].Axis[2].Ready,1,bool,"},
+         {"ls Speed 'Motors[1].Spede' -l " PLANT, 2, "did you mean 'Speed'?\n    Motors[1].Spede\n              ^"},
+         {"ls Speed 'Nope*' --elements -l " PLANT, 2, "no label matches 'Nope*'"},
+         {"ls 'Motors[5]' -l " PLANT, 2, "index 5 is outside 1 to 4\n"},
+         {"ls Speed.x -l " PLANT, 2, "'Speed' is no structure and has no members\n"}});
 }
 
 TEST(Labels, convertKeepsEverythingAndOverwritesNothing) {
@@ -185,77 +182,6 @@ TEST(Output_Formats, everyVerbSpeaksJsonAndCsv) {
         std::getline(table, heading);
         EXPECT_EQ(static_cast<std::size_t>(std::count(heading.begin(), heading.end(), ',')) + 1, fields) << command;
     }
-}
-
-TEST(Command_Line, tellsWhichWordIsWrong) {
-    expectAll({{"raed Speed", 1, "vornex-label: 'raed' is no verb; did you mean 'read'?; see --help\n"},
-               {"raed --help", 1, "'raed' is no verb"},
-               {"help raed", 1, "'raed' is no verb; did you mean 'read'?"},
-               {"labels lnit", 1, "'lnit' is no verb; did you mean 'lint'?"},
-               {"labels", 1, "'labels' needs a verb"},
-               {"-q", 1, "a verb is missing"},
-               {"read", 1, "LABEL is required"},
-               {"--targt x read Speed", 1, "'--targt' is no option of vornex-label; did you mean '--target'?"},
-               {"read Speed --cuont 3", 1, "'--cuont' is no option of vornex-label read; did you mean '--count'?"},
-               {"ls -T 5", 1, "'-T' is no option of vornex-label ls"},
-               {"labels names a b", 1, "'b' was not expected"},
-               {"read Speed -c 1.5", 1, "--count: '1.5' is not a whole number from 1 to 1000000; see --help\n"},
-               {"bench x -d 0", 1, "--duration: '0' is not a number from 0.01 to 3600;"},
-               {"ls -o xml", 1, "--output: xml not in {text,json,csv}"},
-               {"man --all no/such", 1, "no/such/vornex-label.1: its folder"},
-               {"--help >/dev/full", 8, "standard output: No space left on device"}});
-}
-
-TEST(Command_Line, helpTellsWhatTheVerbTakes) {
-    const struct {
-        const char* verb;
-        const char* told;
-        const char* untold;
-    } rows[] = {
-        {"read", "--trace FILE", "--elements"},
-        {"ls", "--labels FILE", "--target"},
-        {"info", "--library FILE", "--labels"},
-        {"check", "--library FILE", "--timeout"},
-        {"replay", "--library FILE", "--timeout"},
-        {"labels lint", "--labels FILE", "--library"},
-        {"bench", "--duration TIME", "--rounds"},
-        {"", "labels convert", "completion"},
-        {"write", "--target", "--count"},
-        {"watch", "--target", "--count"},
-        {"dump", "--target", "--elements"},
-        {"stats", "--target", "--elements"},
-        {"decode", "--labels FILE", "Link options"},
-        {"labels convert", "--labels FILE", "Link options"},
-        {"labels names", "--labels FILE", "--trace"},
-        {"man", "--all DIR", "Link options"},
-        {"help", "VERB", "Link options"},
-        {"completion", "--help", "Link options"},
-    };
-    for (const auto& row : rows) {
-        const Outcome help = run(row.verb + std::string(" --help"));
-        EXPECT_EQ(help.code, 0) << row.verb;
-        EXPECT_NE(help.text.find(row.told), std::string::npos) << row.verb << help.text;
-        EXPECT_EQ(help.text.find(row.untold), std::string::npos) << row.verb << help.text;
-        EXPECT_EQ(run(std::string("help ") + row.verb).text, help.text) << row.verb;
-        std::istringstream lines(help.text);
-        for (std::string line; std::getline(lines, line);)
-            EXPECT_LE(line.size(), 80u) << line;
-    }
-}
-
-TEST(Command_Line, manualPagesHaveNothingToWarnOf) {
-    const std::string pages = WORK_DIR "/pages";
-    std::filesystem::remove_all(pages);
-    std::filesystem::create_directories(pages);
-    EXPECT_EQ(run("man --all pages").code, 0);
-    EXPECT_TRUE(run("man labels lint | cmp - pages/vornex-label-labels-lint.1 && echo same").holds("same"));
-    std::size_t count = 0;
-    for (const auto& page : std::filesystem::directory_iterator(pages)) {
-        const std::string man = "man --warnings -E UTF-8 -l -Tutf8 -Z '" + page.path().string() + "' 2>&1 >/dev/null";
-        EXPECT_NE(std::system(("test -n \"$(" + man + ")\"").c_str()), 0) << page.path();
-        ++count;
-    }
-    EXPECT_EQ(count, 19u);
 }
 
 }  // namespace

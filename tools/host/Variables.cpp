@@ -95,7 +95,7 @@ private:
         text = templateText(file, argument, index.number.value_or(0)).value_or(argument);
     }
     if (const std::optional<Label_Problem> problem = explainLabel(file, text)) {
-        message += ": " + problem->reason + "\n    " + text + "\n    " + markLine(text, problem->at, problem->length);
+        message += problemWords(text, *problem);
     }
     throw Host_Error(Host_Error::Kind::Label, message);
 }

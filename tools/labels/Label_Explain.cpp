@@ -77,8 +77,9 @@ std::string boundsText(const Type_Ref& type) {
 
 class Walk {
 public:
-    Walk(const Label_File& labelFile, const std::string& labelText)
-        : file(labelFile), segments(split({labelText, 0}, '.')) {}
+    enum class What { Variable, Path };
+    Walk(const Label_File& labelFile, const std::string& labelText, What what = What::Variable)
+        : file(labelFile), segments(split({labelText, 0}, '.')), isPath(what == What::Path) {}
 
     std::optional<Label_Problem> run() {
         const Segment first(segments[0]);
@@ -86,32 +87,50 @@ public:
         if (!label) {
             return problem(
                 LabelNoName, first.name,
-                "no label has the name '" + first.name.text + "'" + suggestion(file.labels, first.name.text));
+                "no label has the name " + quoted(first.name.text) + suggestion(file.labels, first.name.text));
         }
-        return walk(*label, 0);
+        return walk(*label, 0, 0);
     }
 
-    // The number of segments that the walk used.
-    std::size_t used = 0;
+    // Those that the walk used.
+    std::vector<Path_Step> steps;
 
 private:
     static Label_Problem problem(int code, const Piece& place, const std::string& reason) {
         return {code, place.at, std::max<std::size_t>(place.text.size(), 1), reason};
     }
 
-    std::optional<Label_Problem> walk(const Label& label, std::size_t i) {
-        used = i + 1;
+    std::optional<Label_Problem> walk(const Label& label, std::size_t i, std::uint32_t base) {
         const Segment segment(segments[i]);
+        steps.push_back({&label, "", base + label.at});
         if (!label.type.bounds.empty()) {
-            if (auto wrong = checkIndexes(label, segment)) return wrong;
+            const bool isWhole = isPath && (!segment.hasGroup || segment.indexes.text.find("%%") != std::string::npos);
+            if (auto wrong = isWhole ? std::nullopt : checkIndexes(label, segment)) return wrong;
+            if (!isWhole) takeElement(label.type, segment);
         } else if (segment.hasGroup) {
             return problem(LabelMisfit, segment.group, "'" + label.name + "' is no array and takes no index");
         }
-        return label.type.code == 12 ? member(label, i) : std::nullopt;
+        if (label.type.code == 12) return member(label, i);
+        if (!isPath || i + 1 == segments.size()) return std::nullopt;
+        return problem(LabelMisfit, segments[i + 1], "'" + label.name + "' is no structure and has no members");
+    }
+
+    // Of indexes that are right.
+    void takeElement(const Type_Ref& type, const Segment& segment) {
+        const std::vector<Piece> indexes = split(segment.indexes, ',');
+        std::uint64_t number = 0;
+        for (std::size_t d = 0; d < indexes.size(); ++d) {
+            const std::int64_t index = indexNumber(indexes[d].text, type.radix).value_or(0);
+            number = number * extentOf(type.bounds[d]) + static_cast<std::uint64_t>(index - type.bounds[d].low);
+            steps.back().indexes += (d == 0 ? "[" : ",") + indexText(index, type.radix);
+        }
+        steps.back().indexes += "]";
+        steps.back().address += static_cast<std::uint32_t>(number * elementBytes(file, type));
     }
 
     std::optional<Label_Problem> member(const Label& label, std::size_t i) {
         const std::vector<Label>& members = file.structs.at(label.type.structName).members;
+        if (i + 1 >= segments.size() && isPath) return std::nullopt;
         if (i + 1 >= segments.size()) {
             const Piece end = {"", segments[i].at + segments[i].text.size()};
             return problem(
@@ -120,10 +139,10 @@ private:
         }
         const Segment next(segments[i + 1]);
         const Label* const found = findByName(members, next.name.text);
-        if (found) return walk(*found, i + 1);
+        if (found) return walk(*found, i + 1, steps.back().address);
         const std::string nearest = suggestion(members, next.name.text);
         return problem(LabelNoMember, next.name,
-                       "structure " + label.type.structName + " has no member '" + next.name.text + "'" +
+                       "structure " + label.type.structName + " has no member " + quoted(next.name.text) +
                            (nearest.empty() ? "; it has " + memberList(members) : nearest));
     }
 
@@ -154,7 +173,7 @@ private:
         if (!value && index.text.find("%%") != std::string::npos) {
             return problem(LabelNoIndex, index, "%% is put in for the first array of a label alone");
         }
-        if (!value) return problem(LabelNoIndex, index, "index '" + index.text + "' is no number" + base);
+        if (!value) return problem(LabelNoIndex, index, "index " + quoted(index.text) + " is no number" + base);
         if (*value >= bounds.low && *value <= bounds.high) return std::nullopt;
         return problem(LabelNoIndex, index,
                        "index " + index.text + base + " is outside " + std::to_string(bounds.low) + " to " +
@@ -163,6 +182,7 @@ private:
 
     const Label_File& file;
     const std::vector<Piece> segments;
+    const bool isPath;
 };
 
 }  // namespace
@@ -184,19 +204,33 @@ std::optional<Label_Problem> explainLabel(const Label_File& file, const std::str
     return Walk(file, text).run();
 }
 
+std::optional<Label_Problem> explainPath(const Label_File& file, const std::string& text,
+                                         std::vector<Path_Step>& steps) {
+    Walk walk(file, text, Walk::What::Path);
+    const std::optional<Label_Problem> problem = walk.run();
+    steps = walk.steps;
+    return problem;
+}
+
+std::string problemWords(const std::string& text, const Label_Problem& problem) {
+    return ": " + problem.reason + "\n    " + text + "\n    " + markLine(text, problem.at, problem.length);
+}
+
 std::string ignoredTail(const Label_File& file, const std::string& text) {
     Walk walk(file, text);
     if (text.empty() || walk.run()) return "";
     std::size_t at = 0;
-    for (std::size_t i = 0; i < walk.used && at != std::string::npos; ++i)
+    for (std::size_t i = 0; i < walk.steps.size() && at != std::string::npos; ++i)
         at = text.find('.', i == 0 ? 0 : at + 1);
     return at == std::string::npos ? "" : text.substr(at);
 }
 
 std::string markLine(const std::string& text, std::size_t at, std::size_t length) {
     const std::size_t begin = std::min(at, text.size());
-    return std::string(displayWidth(text.substr(0, begin)), ' ') +
-           std::string(std::max<std::size_t>(displayWidth(text.substr(begin, length)), 1), '^');
+    const auto width = [&text](std::size_t from, std::size_t bytes) {
+        return displayWidth(harmless(text.substr(from, bytes)));
+    };
+    return std::string(width(0, begin), ' ') + std::string(std::max<std::size_t>(width(begin, length), 1), '^');
 }
 
 }  // namespace vornex

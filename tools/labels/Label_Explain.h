@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "labels/Label_File.h"
 
@@ -34,6 +35,21 @@ struct Label_Problem {
 // The first mistake in `text`, found by a walk of the tool's own through the file's definitions; nothing for a text
 // that resolves.
 std::optional<Label_Problem> explainLabel(const Label_File& file, const std::string& text);
+
+// One segment of a path.
+struct Path_Step {
+    const Label* label = nullptr;
+    std::string indexes;        // "[1,2]" as the file's own texts have it; empty: no array, or all of it
+    std::uint32_t address = 0;  // of the element, or of the array's first one
+};
+
+// The same for a path, which may end on a structure or an array and leave out indexes, or have %% in their place:
+// "Motors[1]", "Line.Feed[2].Speed". `steps` are those up to the mistake.
+std::optional<Label_Problem> explainPath(const Label_File& file, const std::string& text,
+                                         std::vector<Path_Step>& steps);
+
+// ": REASON", and in lines of their own the text with its place marked.
+std::string problemWords(const std::string& text, const Label_Problem& problem);
 
 // What of a text that resolves the driver does not look at: ".x" in "Speed.x"; empty when it looks at everything.
 std::string ignoredTail(const Label_File& file, const std::string& text);
