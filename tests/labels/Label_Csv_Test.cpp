@@ -46,7 +46,7 @@ TEST(Label_Csv, losesNothingBothWays) {
         "    \"MotorT\": {\"size\": 12, \"members\": [\n"
         "      {\"name\": \"Axis\", \"type\": \"AxisT[0..1]\", \"at\": 4}\n    ]}\n  },\n"
         "  \"labels\": [\n"
-        "    {\"name\": \" a;b,c \\\"d\\\" \\\\ \\n e\", \"type\": \"10\", \"at\": 4294967040, \"unit\": "
+        "    {\"name\": \" a;b,c \\\"d\\\" \\\\  e\", \"type\": \"10\", \"at\": 4294967040, \"unit\": "
         "\"\xC2\xB0\x43\"},\n"
         "    {\"name\": \"#M\", \"type\": \"MotorT[-2..4]/36\", \"at\": 500}\n  ]\n}\n";
     const Label_File file = parseLabelFile(json, "f");
@@ -86,7 +86,7 @@ TEST(Label_Csv, namesLineAndColumnOfMistakes) {
         {"kind,name,type,at,unit\nlabel,A,3,0,\"\xED\xA0\x80\"\n", "f:2:13: the text is not UTF-8"},
         {"kind,name,type,at,unit\nlabel,A,3,0,\xC3\n", "f:2:13: the text is not UTF-8"},
         // only all rows together show these; a cell with a line end in it counts its lines
-        {"kind,name,type,at,unit\nlabel,A,3,0,\"\n\"\nlabel,A,3,2,\n", "f:4: label 'A': the name is used twice"},
+        {"kind,name,type,at,\nlabel,A,3,0,\"\n\"\nlabel,A,3,2,\n", "f:4: label 'A': the name is used twice"},
         {"kind,name,type,at,size\nmember,T.A,7,2,\nstruct,T,,,4\n", "f:2: member 'T.A': 1 x 4 bytes at 2 end past"},
     };
     for (const auto& row : rows)

@@ -249,6 +249,7 @@ TEST(Sim_Control, answersEveryLine) {
         {"set 0xb 7f 80", "ok"},
         {"get 10 4\r\n", "ok 00 7F 80 FF"},
         {"get A", "error: no element is called 'A'"},
+        {"get A\033[m", "error: no element is called 'A\\x1B[m'"},
         {"get A[3]", "error: no element is called 'A[3]'"},
         {"set A[1] 40000", "error: '40000' is not a whole number from -32768 to 32767"},
         {"set 10", "error: bytes in hex are missing"},

@@ -45,6 +45,7 @@ TEST(Value_Codec, showsWhatCanBeTypedAgain) {
         {View::Bytes, "F4 01", "F4 01", R"("F4 01")"},
         {View::Text, "48 69 00 00", "Hi", R"("Hi")"},
         {View::Text, "C2 B0 43 FF 0A 22", "\u00B0C\\xFF\\x0A\"", "\"\u00B0C\\\\xFF\\\\x0A\\\"\""},
+        {View::Text, "C2 9B 41 C2 A0", "\\xC2\\x9BA\u00A0", "\"\\\\xC2\\\\x9BA\u00A0\""},
         {View::Text, "22 48 22 5C 78 34 31 5C", R"("H"\x5Cx41\)", R"("\"H\"\\x5Cx41\\")"},
         {View::Text, "20 61 20", " a ", R"(" a ")"},
         // wider than the view

@@ -108,7 +108,7 @@ void Defaults::findFile() {
 void Defaults::read() {
     std::istringstream lines;
     try {
-        lines.str(wholeText(file));
+        lines.str(wholeUtf8(file));
     } catch (const File_Error& mistake) {
         throw Settings_Error(mistake.what());
     }

@@ -6,6 +6,7 @@
 #include "cli/Verb_App.h"
 #include "text/Nearest_Word.h"
 #include "text/Output_File.h"
+#include "text/Text.h"
 
 namespace vornex {
 
@@ -74,7 +75,7 @@ int end(const CLI::App& program, const CLI::ParseError& error) {
         printText(isVersion ? error.what() + std::string("\n") : helpText(deepest(program)));
         return 0;
     }
-    std::cerr << program.get_name() << ": " << reasonOf(program, error) << "; see --help\n";
+    std::cerr << program.get_name() << ": " << harmless(reasonOf(program, error)) << "; see --help\n";
     return 1;
 }
 

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include "text/Text.h"
+
 namespace vornex {
 
 Output::Output(Format outputFormat, Times timesAs, bool isQuiet, bool isVerbose)
@@ -15,7 +17,7 @@ Output::Output(Format outputFormat, Times timesAs, bool isQuiet, bool isVerbose)
       messages(Output_File::standardError()) {}
 
 void Output::row(const Row& row, const std::string& text) {
-    if (format == Format::Text) return block(text + "\n");
+    if (format == Format::Text) return block(harmlessLines(text) + "\n");
     if (format == Format::Json) return block(jsonObject(row) + "\n");
     const std::string heading = csvHeading(row);
     const bool isNew = heading != lastHeading;
@@ -24,7 +26,7 @@ void Output::row(const Row& row, const std::string& text) {
 }
 
 void Output::text(const std::string& line) {
-    if (format == Format::Text) block(line + "\n");
+    if (format == Format::Text) block(harmlessLines(line) + "\n");
 }
 
 void Output::block(const std::string& text) {
@@ -73,7 +75,8 @@ void Output::detail(const std::string& words) {
     if (verbose && !quiet) message((forCollector() ? "D! " : "") + words);
 }
 
-void Output::message(const std::string& line) {
+void Output::message(const std::string& words) {
+    const std::string line = harmlessLines(words);
     const std::lock_guard<std::mutex> lock(mutex);
     if (messageTaker && messagesOnTerminal && dataOnTerminal) return messageTaker(line);
     clearProgress();

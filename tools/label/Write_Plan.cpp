@@ -40,7 +40,7 @@ Variable Write_Plan::shown() const {
 }
 
 std::vector<Assignment> readRecipe(const std::string& path) {
-    return path == "-" ? parseRecipe(wholeText("/dev/stdin"), "standard input") : parseRecipe(wholeText(path), path);
+    return path == "-" ? parseRecipe(wholeUtf8("/dev/stdin"), "standard input") : parseRecipe(wholeUtf8(path), path);
 }
 
 Write_Plan planOf(Session& session, const Label_File& file, const Plan_Options& options, const Assignment& assignment) {

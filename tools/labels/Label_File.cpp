@@ -54,6 +54,7 @@ const Json_Entry& requireKey(const Place& place, const Json_Node& object, const 
 
 std::string textOf(const Place& place, const Json_Entry& entry) {
     requireKind(place, entry.value, Json_Node::Kind::String, "\"" + entry.key + "\"");
+    if (hasControl(entry.value.text)) place.fail(entry.line, "\"" + entry.key + "\" holds a control character");
     return entry.value.text;
 }
 
@@ -82,6 +83,7 @@ std::uint32_t numberOf(const Place& place, const Json_Entry& entry, std::int64_t
 // Characters that label texts give a meaning of their own: such a name could never be reached.
 void checkName(const Place& place, int line, const std::string& name) {
     if (name.empty()) place.fail(line, "the name is empty");
+    if (hasControl(name)) place.fail(line, "the name holds a control character");
     if (name.find_first_of(".[]") != std::string::npos || name.find("%%") != std::string::npos) {
         place.fail(line, "a name cannot hold '.', '[', ']' or '%%'");
     }
@@ -281,7 +283,7 @@ Label_File parseLabelFile(const std::string& text, const std::string& path) {
     return labelFileOf(parseJson(text, path), path);
 }
 
-Label_File readLabelFile(const std::string& path) { return parseLabels(wholeText(path), path); }
+Label_File readLabelFile(const std::string& path) { return parseLabels(wholeUtf8(path), path); }
 
 bool isCsvName(const std::string& path) { return endsIn(lowered(path), ".csv"); }
 

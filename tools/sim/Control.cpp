@@ -122,7 +122,7 @@ std::string runControlLine(const std::string& line, Controller& controller, cons
     try {
         return run(verb, rest, controller, hooks);
     } catch (const std::invalid_argument& error) {
-        return std::string("error: ") + error.what();
+        return "error: " + harmless(error.what());
     }
 }
 

@@ -17,6 +17,8 @@
 namespace vornex::sim {
 namespace {
 
+void tellMistake(const std::string& words) { std::cerr << harmlessLines(words) << std::endl; }
+
 // Messages with the time since the start in front, to standard error or a file; nothing when quiet. A log that cannot
 // be written any more is told, once, and the simulator goes on: whoever talks to it is not to be stopped by a full
 // disk.
@@ -42,14 +44,15 @@ public:
 private:
     static constexpr std::size_t LongestText = 1000;  // a pipe that is read takes such a line, and the one before it
 
-    void writeNow(const std::string& text) {
+    void writeNow(const std::string& words) {
+        const std::string text = harmless(words);
         const std::chrono::duration<double> since = std::chrono::steady_clock::now() - started;
         try {
             file.write(padded(fixedNumber(since.count(), 3), 9, Align::Right) + " " + text + "\n");
             file.flush();
         } catch (const Output_Error& error) {
             hasFailed = true;
-            std::cerr << "vornex-sim: " << error.what() << std::endl;
+            tellMistake(std::string("vornex-sim: ") + error.what());
         }
     }
 
@@ -101,7 +104,7 @@ void startControl(const Options& options, Running& running, Controller& controll
 }
 
 int cannotListen(const std::string& where, const std::system_error& error) {
-    std::cerr << "vornex-sim: cannot listen on " << where << ": " << error.what() << std::endl;
+    tellMistake("vornex-sim: cannot listen on " + where + ": " + error.what());
     return int(Exit_Code::NoPort);
 }
 
@@ -157,13 +160,13 @@ int runSimulator(int argc, char** argv) {
         const Label_File labels = options.labels.empty() ? Label_File() : readLabelFile(options.labels);
         return serve(options, labels, writer);
     } catch (const File_Error& error) {
-        std::cerr << error.what() << std::endl;
+        tellMistake(error.what());
         return int(Exit_Code::Labels);
     } catch (const Output_Error& error) {
-        std::cerr << "vornex-sim: " << error.what() << std::endl;
+        tellMistake(std::string("vornex-sim: ") + error.what());
         return int(error.kind == Output_Error::Kind::Unusable ? Exit_Code::Usage : Exit_Code::Output);
     } catch (const std::exception& error) {
-        std::cerr << "vornex-sim: " << error.what() << std::endl;
+        tellMistake(std::string("vornex-sim: ") + error.what());
         return int(Exit_Code::Usage);
     }
 }

@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "text/Hex.h"
+#include "text/Text.h"
 #include "text/Text_Input.h"
 
 namespace vornex {
@@ -14,6 +16,7 @@ namespace {
 
 using nlohmann::json;
 
+constexpr std::size_t LongestWord = 60;     // of what a message quotes
 constexpr std::size_t DepthLimit = 16;      // a label file needs 5
 constexpr std::size_t NodeLimit = 2000000;  // some 300,000 labels; a node takes a hundred times the memory of a digit
 
@@ -85,7 +88,10 @@ public:
         // the parser's text begins with a tag and the line, which ours says already
         const std::string text = error.what();
         const std::size_t column = text.find("column ");
-        fail(column == std::string::npos ? text : text.substr(column));
+        std::vector<std::string> words = split(column == std::string::npos ? text : text.substr(column), ' ');
+        for (std::string& word : words)
+            word = cutTo(word, LongestWord);
+        fail(joined(words, " "));
     }
 
 private:
@@ -152,8 +158,24 @@ Json_Node parseJson(const std::string& text, const std::string& path) {
     return std::move(builder.root);
 }
 
+std::string escapedControls(const std::string& text) {
+    std::string escaped;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const auto code = static_cast<unsigned char>(text[at]);
+        const auto next = at + 1 < text.size() ? static_cast<unsigned char>(text[at + 1]) : 0;
+        const bool isPair = code == 0xC2 && next < 0xA0;
+        if (!isPair && code != 0x7F) {
+            escaped += text[at];
+            continue;
+        }
+        escaped += "\\u00" + hexDigits(isPair ? next : code, 2);
+        at += isPair ? 1 : 0;
+    }
+    return escaped;
+}
+
 std::string jsonString(const std::string& text) {
-    return json(text).dump(-1, ' ', false, json::error_handler_t::replace);
+    return escapedControls(json(text).dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
 const char* kindName(Json_Node::Kind kind) {

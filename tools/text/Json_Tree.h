@@ -36,6 +36,8 @@ struct Json_Entry {
 // what any label file needs.
 Json_Node parseJson(const std::string& text, const std::string& path);
 
+// JSON text with \u00NN for the control characters that JSON lets stand: U+007F to U+009F.
+std::string escapedControls(const std::string& text);
 // The text as JSON writes it, in quotes. Bytes that are not UTF-8 become U+FFFD.
 std::string jsonString(const std::string& text);
 

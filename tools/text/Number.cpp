@@ -31,7 +31,7 @@ std::optional<Whole> readWhole(const std::string& text) {
 }
 
 [[noreturn]] void refuse(const std::string& what, const std::string& text, const std::string& range) {
-    throw std::invalid_argument(what + (what.empty() ? "'" : " '") + text + "' is not a " + range);
+    throw std::invalid_argument(what + (what.empty() ? "" : " ") + quoted(text) + " is not a " + range);
 }
 
 template <class Integer>

@@ -5,6 +5,9 @@
 #include <clocale>
 #include <cstdint>
 #include <cwchar>
+#include <functional>
+
+#include "text/Hex.h"
 
 namespace vornex {
 namespace {
@@ -97,6 +100,49 @@ bool isUtf8(const std::string& text) {
         if (length == 0) return false;
     }
     return true;
+}
+
+std::size_t harmlessLength(const std::string& text, std::size_t at) {
+    const std::size_t length = utf8Length(text, at);
+    const std::uint32_t code = length == 0 ? 0 : utf8Code(text, at, length);
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) ? 0 : length;
+}
+
+namespace {
+
+std::string harmlessBut(const std::string& text, const std::function<bool(std::size_t at)>& stays) {
+    std::string shown;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t length = stays(at) ? 1 : harmlessLength(text, at);
+        if (length == 0) shown += "\\x" + hexDigits(byteAt(text, at), 2);
+        shown.append(text, at, length);
+        at += std::max<std::size_t>(length, 1);
+    }
+    return shown;
+}
+
+}  // namespace
+
+bool hasControl(const std::string& text) {
+    for (std::size_t at = 0; at < text.size(); at += std::max<std::size_t>(utf8Length(text, at), 1)) {
+        if (utf8Length(text, at) != 0 && harmlessLength(text, at) == 0) return true;
+    }
+    return false;
+}
+
+std::string harmless(const std::string& text) {
+    return harmlessBut(text, [](std::size_t) { return false; });
+}
+
+std::string harmlessLines(const std::string& text) {
+    return harmlessBut(text, [&text](std::size_t at) {
+        return text[at] == '\t' || (text[at] == '\n' && text.compare(at + 1, 1, " ") == 0);
+    });
+}
+
+std::string quoted(const std::string& word) {
+    constexpr std::size_t Most = 60;
+    return "'" + cutTo(word, Most) + "'";
 }
 
 std::size_t displayWidth(const std::string& text) {

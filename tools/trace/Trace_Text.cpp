@@ -2,6 +2,7 @@
 #include "host/Statistics.h"
 #include "labels/Label_Names.h"
 #include "text/Hex.h"
+#include "text/Text.h"
 #include "trace/Trace.h"
 #include "wire/Frame_Reader.h"
 
@@ -57,7 +58,7 @@ public:
         std::string words = "connected to " + target;
         if (change.state == Link_Change::State::Down) words = "connection dropped: " + change.reason;
         if (change.state == Link_Change::State::StillDown) words = "cannot connect to " + target + ": " + change.reason;
-        write(timeText(change.at) + "  - " + words + "\n");
+        write(timeText(change.at) + "  - " + harmless(words) + "\n");
     }
 
 private:

@@ -6,7 +6,9 @@
 #include <nlohmann/json.hpp>
 
 #include "text/Csv_Table.h"
+#include "text/Json_Tree.h"
 #include "text/Number.h"
+#include "text/Text.h"
 
 namespace vornex {
 
@@ -43,7 +45,7 @@ std::string jsonObject(const Row& row) {
     nlohmann::ordered_json line = nlohmann::ordered_json::object();
     for (const auto& [key, value] : row.fields)
         line.emplace(key->name, jsonValue(value));
-    return line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    return escapedControls(line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
 }
 
 std::string csvHeading(const Row& row) {
@@ -57,7 +59,7 @@ std::string csvLine(const Row& row) {
     std::string line;
     for (const auto& [key, value] : row.fields) {
         line += (key == row.fields.front().first ? "" : ",") +
-                (value.kind == Value::Kind::Null ? std::string() : formatCsvCell(value.shown()));
+                (value.kind == Value::Kind::Null ? std::string() : formatCsvCell(harmless(value.shown())));
     }
     return line;
 }

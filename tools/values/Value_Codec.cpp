@@ -17,7 +17,7 @@ namespace {
 using Kind = View_Entry::Kind;
 
 [[noreturn]] void refuse(const std::string& text, const std::string& reason) {
-    throw std::invalid_argument("'" + text + "' " + reason);
+    throw std::invalid_argument(quoted(text) + " " + reason);
 }
 
 std::uint64_t littleEndian(const std::string& bytes) {
@@ -95,10 +95,8 @@ std::optional<char> escapedByte(const std::string& text, std::size_t at) {
 std::string printable(const std::string& bytes) {
     std::string text;
     for (std::size_t i = 0; i < bytes.size() && bytes[i] != '\0';) {
-        const unsigned char byte = static_cast<unsigned char>(bytes[i]);
-        const bool asItIs = byte >= 0x20 && byte != 0x7F && !escapedByte(bytes, i);
-        const std::size_t length = asItIs ? utf8Length(bytes, i) : 0;
-        if (length == 0) text += "\\x" + hexDigits(byte, 2);
+        const std::size_t length = escapedByte(bytes, i) ? 0 : harmlessLength(bytes, i);
+        if (length == 0) text += "\\x" + hexDigits(static_cast<unsigned char>(bytes[i]), 2);
         text.append(bytes, i, length);
         i += length == 0 ? 1 : length;
     }
