@@ -80,6 +80,8 @@ void Statistics::linkChanged(const Link_Change& change) {
 void Statistics::roundDone(int rounds) {
     const std::lock_guard<std::mutex> lock(mutex);
     counted.rounds = rounds;
+    counted.goodOfRounds = counted.good;
+    counted.dataBytesOfRounds = counted.dataBytes;
 }
 
 Statistics_Figures Statistics::figures() const {

@@ -39,6 +39,8 @@ struct Statistics_Figures {
     std::uint64_t dataBytes = 0;  // in them, and in good writes
     std::uint64_t linkLosses = 0;
     int rounds = 0;
+    std::uint64_t goodOfRounds = 0;               // good exchanges up to the end of the last round
+    std::uint64_t dataBytesOfRounds = 0;          // the same
     std::map<std::string, std::uint64_t> faults;  // by what went wrong
     std::map<int, std::uint64_t> giveUps;         // by the first code of their band
     Latency_Histogram latencies;                  // of good exchanges

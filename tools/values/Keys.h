@@ -88,6 +88,8 @@ inline constexpr Key variables{"variables", "number of polled variables"};
 inline constexpr Key bytesWanted{"bytesWanted", "bytes of the polled variables"};
 inline constexpr Key bytesPerRequest{"bytesPerRequest", "bytes of one read request at most"};
 inline constexpr Key requestsPerRound{"requestsPerRound", "read requests of one round after packing"};
+inline constexpr Key exchangesPerRound{"exchangesPerRound", "frames of one round, on average"};
+inline constexpr Key dataBytesPerRound{"dataBytesPerRound", "controller bytes in the replies of one round"};
 inline constexpr Key requestsRead{"requestsRead", "read requests in good exchanges"};
 inline constexpr Key faultList{"faultList", "each fault and how often it was, as text"};
 inline constexpr Key giveUpList{"giveUpList", "each result code and how often it ended a request, as text"};

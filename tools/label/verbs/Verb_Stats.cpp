@@ -1,9 +1,7 @@
-// vornex-label stats and bench
+// vornex-label stats
 #include <memory>
-#include <optional>
 
-#include "host/Variables.h"
-#include "label/Online.h"
+#include "label/Workload.h"
 #include "label/verbs/Verb_Table.h"
 #include "text/Number.h"
 #include "watch/Watch_Events.h"
@@ -11,24 +9,6 @@
 namespace vornex {
 
 namespace {
-
-struct Stats_Options {
-    std::vector<std::string> labels;
-    int rounds = 0;
-    int interval = 0;
-    double seconds = 0;
-    Template_Index index;
-    bool noWait = false;
-};
-
-// What a round asks for, to judge the packing by.
-struct Workload {
-    std::size_t variables = 0;
-    std::uint64_t bytesWanted = 0;
-    int requests = 0;
-};
-
-double per(double amount, double unit) { return unit > 0 ? amount / unit : 0; }
 
 Row figuresRow(const Statistics_Figures& now) {
     Row row;
@@ -100,21 +80,7 @@ void showSummary(Output& out, const std::string& target, const Workload& work, c
     showPacking(out, work, now);
 }
 
-Workload startPolling(Tool& tool, Session& session, const Stats_Options& options) {
-    std::vector<Label_Range> ranges;
-    Workload work;
-    for (const Variable& variable : findVariables(session, tool.labels(), options.labels, options.index)) {
-        ranges.push_back(variable.range);
-        work.bytesWanted += variable.bytes;
-    }
-    work.variables = ranges.size();
-    session.connect(options.noWait ? First_Connection::Needed : First_Connection::MayFollow);
-    work.requests = session.poll(ranges, {Milliseconds(options.interval), options.rounds, false});
-    if (work.requests == 0) throw Tool_Error(Exit_Code::Label, "the driver made no request of these labels");
-    return work;
-}
-
-Exit_Code stats(Tool& tool, const Stats_Options& options) {
+Exit_Code stats(Tool& tool, const Polled_Labels& options) {
     Watch_Events events;
     Online online(tool, Loss_Told::ByVerb);
     online.session.addObserver(events);
@@ -143,58 +109,10 @@ Exit_Code stats(Tool& tool, const Stats_Options& options) {
     }
 }
 
-// Polls as fast as the controller answers; nothing when interrupted.
-std::optional<Statistics_Figures> measure(Tool& tool, const Stats_Options& options, Workload& work) {
-    Watch_Events events;
-    Online online(tool);
-    online.session.addObserver(events);
-    work = startPolling(tool, online.session, options);
-    const Steady_Time start = std::chrono::steady_clock::now();
-    const Steady_Time end =
-        start + std::chrono::duration_cast<Steady_Time::duration>(std::chrono::duration<double>(options.seconds));
-    while (std::chrono::steady_clock::now() < end) {
-        if (events.wait(end).interrupted) return std::nullopt;
-    }
-    return online.statistics.figures();
-}
-
-void showSize(Output& out, int size, const Workload& work, const Statistics_Figures& now) {
-    const double exchanges = per(static_cast<double>(now.good), now.seconds);
-    const double rounds = per(now.rounds, now.seconds);
-    const double data = per(static_cast<double>(now.dataBytes), now.seconds);
-    Row row;
-    row.add(key::bytesPerRequest, size).add(key::requestsPerRound, work.requests);
-    row.add(key::exchangesPerSecond, Value::number(fixedNumber(exchanges, 1)));
-    row.add(key::roundsPerSecond, Value::number(fixedNumber(rounds, 1)));
-    row.add(key::dataBytesPerSecond, Value::number(fixedNumber(data, 0)));
-    row.add(key::retries, now.retries).add(key::givenUp, now.gaveUp());
-    row.add(key::latencyMedianUs, now.latency(0.5)).add(key::latency99Us, now.latency(0.99));
-    out.row(row, "-m " + std::to_string(size) + ": " + std::to_string(work.requests) + " requests a round, " +
-                     fixedNumber(rounds, 1) + " rounds/s, " + fixedNumber(exchanges, 1) + " exchanges/s, " +
-                     fixedNumber(data / 1000, 1) + " kB/s data, latency p50 " + millisecondsText(now.latency(0.5)) +
-                     ", p99 " + millisecondsText(now.latency(0.99)));
-    out.flush();
-}
-
-Exit_Code bench(Tool& tool, const Stats_Options& options) {
-    Exit_Code code = Exit_Code::GaveUp;
-    for (const int size : {32, 100, 240, 500, 999}) {
-        Common_Options sized = tool.options;
-        sized.host.maxBytes = size;
-        Tool sizedTool(sized);  // with a driver that knows nothing of the size before
-        Workload work;
-        const std::optional<Statistics_Figures> figures = measure(sizedTool, options, work);
-        if (!figures) return Exit_Code::Interrupted;
-        showSize(tool.out, size, work, *figures);
-        if (figures->good > 0) code = Exit_Code::Ok;
-    }
-    return code;
-}
-
 }  // namespace
 
 void addStatsVerb(Verbs& verbs) {
-    const auto own = std::make_shared<Stats_Options>();
+    const auto own = std::make_shared<Polled_Labels>();
     const Page page = {
         "Poll labels and measure the link",
         "Polls labels as fast as the controller answers, or at an interval, and tells exchanges, data, retries, "
@@ -209,23 +127,6 @@ void addStatsVerb(Verbs& verbs) {
     addRoundsOption(verb, own->rounds);
     addIntervalOption(verb, own->interval);
     addNoWaitOption(verb, own->noWait);
-    addIndexOptions(verb, own->index);
-}
-
-void addBenchVerb(Verbs& verbs) {
-    const auto own = std::make_shared<Stats_Options>();
-    own->seconds = 1;
-    const Page page = {
-        "Find the request size that suits the link",
-        "Polls the labels as fast as the controller answers, with requests of at most 32, 100, 240, 500 and 999 bytes "
-        "one after the other, and tells rounds, exchanges, data and latency of each: the size with the most rounds a "
-        "second is the one for -m, and for the panel's own setting.\n\nExit status 4 tells that no exchange was good.",
-        {{"bench -l plant.json '*'", "All labels, a second for each size."},
-         {"bench -l plant.json Motors Line -d 10", "What a panel with these labels would do."},
-         {"bench -l plant.json '*' -o csv", "A table for a spreadsheet."}}};
-    CLI::App& verb = verbs.add("bench", page, UsesLink, [own](Tool& tool) { return bench(tool, *own); });
-    addLabelArguments(verb, own->labels);
-    addDuration(verb, "-d,--duration", own->seconds, 0.01, 3600, "How long each size is tried.");
     addIndexOptions(verb, own->index);
 }
 
