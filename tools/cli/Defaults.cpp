@@ -193,6 +193,15 @@ std::optional<Setting> typed(const CLI::App& app, const std::string& name) {
     return std::nullopt;
 }
 
+void checkControllers(const Defaults& defaults, const Setting& target) {
+    std::vector<std::string> all = controllersIn(target.value);
+    for (const std::string& one : all)
+        defaults.checkTarget({one, target.origin});
+    std::sort(all.begin(), all.end());
+    const auto twice = std::adjacent_find(all.begin(), all.end());
+    if (twice != all.end()) throw Settings_Error(target.origin + ": target '" + *twice + "' stands twice");
+}
+
 void give(CLI::App& program, const std::string& name, const Setting& setting) {
     CLI::Option* const option = program.get_option_no_throw("--" + name);
     if (!option) return;
@@ -207,14 +216,20 @@ void give(CLI::App& program, const std::string& name, const Setting& setting) {
 
 }  // namespace
 
+std::vector<std::string> controllersIn(const std::string& target) { return splitTrimmed(target, ','); }
+
 Named_Settings applyDefaults(CLI::App& program, const Defaults& defaults, const std::vector<std::string>& names) {
     Named_Settings settings;
     std::string controller;
     std::optional<Setting> target = typed(program, "target");
     if (!target) target = defaults.find("target");
+    const std::string served = nonEmptyVariable(ControllerVariable);
     if (target && std::count(names.begin(), names.end(), "target")) {
-        defaults.checkTarget(*target);
+        const bool areSeveral = target->value.find(',') != std::string::npos;
+        if (areSeveral && !served.empty()) target->value = served;
+        checkControllers(defaults, *target);
         settings["target"] = *target;
+        if (areSeveral) settings[served.empty() ? "controllers" : "served"] = *target;
         const auto section = defaults.controllers().find(target->value);
         if (section != defaults.controllers().end()) {
             controller = target->value;

@@ -66,6 +66,15 @@ private:
     std::map<std::string, Named_Settings> sections;
 };
 
+// Set by a program for the process that serves one of several controllers.
+inline constexpr char ControllerVariable[] = "VORNEX_CONTROLLER";
+
+// The controllers of a target "press1,press2"; one for others.
+std::vector<std::string> controllersIn(const std::string& target);
+
+// A target of several controllers is left as it is, and is "controllers" in the result; in the process that serves one
+// of them it is that one, which is then "served" too.
+//
 // After parseCommandLine(): gives the program's options of these names what they are worth, as if it had been typed,
 // and a named controller's address to --target. Returns what is not built in, with the place it comes from;
 // "controller" is the name given for the target. Throws Settings_Error.

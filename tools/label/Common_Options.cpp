@@ -12,8 +12,10 @@ namespace {
 
 void addLinkOptions(CLI::App& app, Common_Options& values) {
     startGroup(app, "Link options");
-    addText(app, "-t,--target", "TARGET", values.host.target,
-            "The controller: HOST:PORT, or a name of vornex.toml; without it the label file's \"target\".");
+    addText(
+        app, "-t,--target", "TARGET", values.host.target,
+        "The controller: HOST:PORT, or a name of vornex.toml; without it the label file's \"target\". watch and stats "
+        "take several, with commas between.");
     addNumber(app, "-T,--timeout", "MS", values.host.timeoutMs, 1, 600000,
               "How long a reply or a connection may take.");
     addNumber(app, "--settle", "MS", values.host.settleMs, 0, 10000,

@@ -32,7 +32,8 @@ enum Uses : unsigned {
     UsesLabels = 1,
     UsesDriver = 2,
     UsesLink = 4 | UsesLabels | UsesDriver,
-    UsesInflux = 8  // has values with times, which -o influx writes
+    UsesSeveral = 16,  // can serve several controllers at a time
+    UsesInflux = 8     // has values with times, which -o influx writes
 };
 
 void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses);

@@ -19,6 +19,8 @@ Online::Online(Tool& userTool, Loss_Told lossTold)
       signals([this] { session.interrupt(); }) {
     session.addObserver(statistics);
     session.addObserver(*this);
+    if (tool.options.settings.count("served") && !tool.options.traces.empty())
+        throw Tool_Error(Exit_Code::Usage, "--trace is for one controller");
     for (const std::string& file : tool.options.traces) {
         const Trace_Place place = {file, tool.outputPolicy(),
                                    [this](const Output_Error& error) { tool.outputFailed(error); }};

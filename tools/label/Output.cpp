@@ -16,8 +16,10 @@ Output::Output(Format outputFormat, Times timesAs, bool isQuiet, bool isVerbose)
       data(Output_File::standardOutput()),
       messages(Output_File::standardError()) {}
 
-void Output::row(const Row& row, const std::string& text) {
-    if (format == Format::Text) return block(harmlessLines(text) + "\n");
+void Output::row(const Row& given, const std::string& text) {
+    if (format == Format::Text) return block(who() + harmlessLines(text) + "\n");
+    Row row = given;
+    if (!controller.empty()) row.fields.insert(row.fields.begin(), {&key::controller, controller});
     if (format == Format::Json) return block(jsonObject(row) + "\n");
     const std::string heading = csvHeading(row);
     const bool isNew = heading != lastHeading;
@@ -26,7 +28,7 @@ void Output::row(const Row& row, const std::string& text) {
 }
 
 void Output::text(const std::string& line) {
-    if (format == Format::Text) block(harmlessLines(line) + "\n");
+    if (format == Format::Text) block(who() + harmlessLines(line) + "\n");
 }
 
 void Output::block(const std::string& text) {
@@ -61,18 +63,18 @@ std::string Output::time(Wall_Time when) const {
     return times == Times::Absolute ? timeText(when) : timeSinceText(start, when);
 }
 
-void Output::error(const std::string& words) { message((forCollector() ? "E! " : "vornex-label: ") + words); }
+void Output::error(const std::string& words) { message((forCollector() ? "E! " : "vornex-label: ") + who() + words); }
 
 void Output::warn(const std::string& words) {
-    if (!quiet) message((forCollector() ? "W! " : "vornex-label: warning: ") + words);
+    if (!quiet) message((forCollector() ? "W! " : "vornex-label: warning: ") + who() + words);
 }
 
 void Output::note(const std::string& words) {
-    if (!quiet) message((forCollector() ? "I! " : "") + words);
+    if (!quiet) message((forCollector() ? "I! " : "") + who() + words);
 }
 
 void Output::detail(const std::string& words) {
-    if (verbose && !quiet) message((forCollector() ? "D! " : "") + words);
+    if (verbose && !quiet) message((forCollector() ? "D! " : "") + who() + words);
 }
 
 void Output::message(const std::string& words) {

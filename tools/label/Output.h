@@ -23,6 +23,8 @@ public:
     enum class Times { Absolute, Relative };
 
     Output(Format format, Times times, bool quiet, bool verbose);
+    // From now on each row and message says that it is of this controller.
+    void sayController(const std::string& name) { controller = name; }
 
     // One line of data. Text output prints `text`, the others the fields. CSV repeats its heading when the names
     // change.
@@ -71,6 +73,8 @@ private:
     Output_File messages;
     std::function<void(const std::string&)> messageTaker;
     std::optional<Output_Error> dataFailure;
+    std::string who() const { return controller.empty() ? "" : controller + ": "; }
+    std::string controller;   // empty: there is one alone
     std::string lastHeading;  // of CSV
     bool progressShown = false;
 };

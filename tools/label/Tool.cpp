@@ -16,7 +16,10 @@ Tool::Tool(const Common_Options& commonOptions)
     : options(commonOptions),
       out(formatOf(commonOptions.format),
           commonOptions.times == "relative" ? Output::Times::Relative : Output::Times::Absolute, commonOptions.quiet,
-          commonOptions.verbose) {}
+          commonOptions.verbose) {
+    const auto served = options.settings.find("served");
+    if (served != options.settings.end()) out.sayController(served->second.value);
+}
 
 const Label_File& Tool::labels() {
     if (labelFile) return *labelFile;

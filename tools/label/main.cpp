@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "host/Host_Error.h"
+#include "label/Several.h"
 #include "label/Tool.h"
 #include "label/verbs/Verb_Table.h"
 #include "labels/Label_Continuation.h"
@@ -92,9 +93,18 @@ Exit_Code guarded(Tool& tool, const std::function<Exit_Code()>& work) {
 }
 
 // What went wrong first decides the exit code; an output that is not whole is never "ok".
-int runVerb(const Verbs& verbs) {
+Exit_Code runChosen(const Verbs& verbs, Tool& tool, char** argv) {
+    const auto several = verbs.options.settings.find("controllers");
+    if (several == verbs.options.settings.end() || (verbs.chosenUses & UsesLink) != UsesLink) return verbs.chosen(tool);
+    if (verbs.chosenUses & UsesSeveral) return runForEach(tool, controllersIn(several->second.value), argv);
+    throw Tool_Error(Exit_Code::Usage,
+                     "one controller at a time: '" + several->second.value + "' is for watch and stats");
+}
+
+int runVerb(const Verbs& verbs, char** argv) {
     Tool tool(verbs.options);
-    Exit_Code code = guarded(tool, [&] { return verbs.chosen(tool); });
+    if (verbs.options.settings.count("served")) endWithParent();
+    Exit_Code code = guarded(tool, [&] { return runChosen(verbs, tool, argv); });
     const Exit_Code ended = guarded(tool, [&] {
         tool.out.finish();
         return tool.anOutputFailed() ? Exit_Code::Output : Exit_Code::Ok;
@@ -163,6 +173,7 @@ CLI::App& Verbs::addTo(CLI::App& group, const std::string& name, const Page& pag
         const bool isWrong = options.format == "influx" && !(uses & UsesInflux);
         if (isWrong) throw Tool_Error(Exit_Code::Usage, "-o influx is for values with times: watch");
         chosen = run;
+        chosenUses = uses;
     });
     addCommonOptions(verb, options, uses);
     return verb;
@@ -179,7 +190,7 @@ int runTool(int argc, char** argv) {
         return Exit_Code::Ok;
     });
     if (code != Exit_Code::Ok) return static_cast<int>(code);
-    return end ? *end : runVerb(verbs);
+    return end ? *end : runVerb(verbs, argv);
 }
 
 }  // namespace vornex

@@ -13,6 +13,7 @@ struct Key {
 namespace key {
 
 // A variable
+inline constexpr Key controller{"controller", "which one, when there are several"};
 inline constexpr Key label{"label", "label text"};
 inline constexpr Key value{"value", "the value under the view: number, true or false, text, or a list of them"};
 inline constexpr Key expected{"expected", "the value that a file holds"};

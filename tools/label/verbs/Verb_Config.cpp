@@ -48,7 +48,7 @@ void addConfigVerb(Verbs& verbs) {
         {{"config", "What counts here."},
          {"config -t press3", "What counts for this controller."},
          {"config -o json | jq -r 'select(.setting==\"target\").value'", "One value for a script."}}};
-    verbs.add("config", page, UsesLink, config);
+    verbs.add("config", page, UsesLink | UsesSeveral, config);
 }
 
 }  // namespace vornex

@@ -121,7 +121,7 @@ void addStatsVerb(Verbs& verbs) {
         {{"stats -l plant.json '*' -d 10", "Ten seconds over all labels."},
          {"stats -l plant.json Motors -i 100 -n 600", "A minute at the pace of a panel."},
          {"stats -l plant.json Speed -d 5 -o json", "An object a second, the last one the summary."}}};
-    CLI::App& verb = verbs.add("stats", page, UsesLink, [own](Tool& tool) { return stats(tool, *own); });
+    CLI::App& verb = verbs.add("stats", page, UsesLink | UsesSeveral, [own](Tool& tool) { return stats(tool, *own); });
     addLabelArguments(verb, own->labels);
     addDuration(verb, "-d,--duration", own->seconds, 0, 1e8, "End after so long; 0: go on.");
     addRoundsOption(verb, own->rounds);

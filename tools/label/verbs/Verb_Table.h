@@ -28,6 +28,7 @@ public:
     const std::shared_ptr<CLI::App> program;
     Common_Options options;
     Run chosen;
+    unsigned chosenUses = 0;
 };
 
 // In the order of the help. To add a verb: a file in this folder with a function that adds it, and its line here. Help,

@@ -103,6 +103,8 @@ void Watch::chooseVariables() {
 
 void Watch::chooseOutputs() {
     const bool isText = tool.out.format == Output::Format::Text;
+    if (tool.options.settings.count("served") && (options.table || !options.csv.empty()))
+        throw Tool_Error(Exit_Code::Usage, "--table and --csv are for one controller");
     if (isText && tool.out.quiet) {
         // only the files and the exit code are wanted
     } else if (options.table && isText) {
@@ -129,6 +131,7 @@ std::optional<double> Watch::changesOnly() const {
 void Watch::chooseLog() {
     Log_Settings settings;
     settings.folder = options.log;
+    if (tool.options.settings.count("served")) settings.folder += "/" + controller();
     settings.format = options.logFormat == "csv"    ? Line_Format::Csv
                       : options.logFormat == "json" ? Line_Format::Json
                                                     : Line_Format::Influx;
@@ -257,8 +260,8 @@ void addWatchVerb(Verbs& verbs) {
           "Changes as JSON lines, and a log of every round."},
          {"watch -l plant.json '*' --log press3 --keep 30 --changes -q", "The changes of the last month."},
          {"watch -l plant.json '*' -i 1000 -o influx", "Points for a database."}}};
-    CLI::App& verb =
-        verbs.add("watch", page, UsesLink | UsesInflux, [own](Tool& tool) { return Watch(tool, *own).run(); });
+    CLI::App& verb = verbs.add("watch", page, UsesLink | UsesInflux | UsesSeveral,
+                               [own](Tool& tool) { return Watch(tool, *own).run(); });
     addLabelArguments(verb, own->labels);
     addFlag(verb, "--table", own->table, "A table that is kept up to date.");
     addRoundsOption(verb, own->rounds);
