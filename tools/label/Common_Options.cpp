@@ -50,7 +50,8 @@ void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses) {
 }
 
 void addLabelArguments(CLI::App& app, std::vector<std::string>& labels) {
-    addArgument(app, "LABEL", labels, "A label, an array or structure, or a glob such as 'Motors[*].Speed'.",
+    addArgument(app, "LABEL", labels,
+                "A label, an array or structure, a glob such as 'Motors[*].Speed', or a bare address: @100:INT.",
                 Need::Must);
 }
 

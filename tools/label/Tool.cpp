@@ -1,5 +1,10 @@
 #include "label/Tool.h"
 
+#include <stdexcept>
+
+#include "labels/Raw_Label.h"
+#include "text/Text.h"
+
 namespace vornex {
 
 namespace {
@@ -23,6 +28,7 @@ Tool::Tool(const Common_Options& commonOptions)
 
 const Label_File& Tool::labels() {
     if (labelFile) return *labelFile;
+    if (options.labelFile.empty() && !noLabels.labels.empty()) return noLabels;
     if (options.labelFile.empty())
         throw Tool_Error(Exit_Code::Usage, "no label file: name one with -l FILE, VORNEX_LABELS or vornex.toml");
     labelFile = std::make_unique<Label_File>(readLabelFile(options.labelFile));
@@ -31,6 +37,24 @@ const Label_File& Tool::labels() {
 }
 
 const Label_File& Tool::labelsIfAny() { return options.labelFile.empty() ? noLabels : labels(); }
+
+std::vector<std::string> Tool::takeRawLabels(std::vector<std::string> labels) {
+    for (std::string& label : labels) {
+        if (label.empty() || label[0] != '@') continue;
+        labelsIfAny();  // loads the file
+        try {
+            label = takeRawLabel(labelFile ? *labelFile : noLabels, label);
+        } catch (const std::invalid_argument& mistake) {
+            throw Tool_Error(Exit_Code::Label, mistake.what());
+        }
+        for (const std::string& file : options.traces) {
+            if (!endsIn(file, ".jsonl")) continue;
+            throw Tool_Error(Exit_Code::Usage,
+                             "a record for replay holds the label file, which has no '" + label + "'");
+        }
+    }
+    return labels;
+}
 
 const Driver_Library& Tool::driver() {
     if (!library) {

@@ -45,6 +45,9 @@ public:
     const Label_File& labels();
     // The same, but an empty file without -l: for verbs that can do without labels.
     const Label_File& labelsIfAny();
+    // Before a session: bare addresses ("@100:INT") among the labels become labels, with a label file or without one.
+    // Throws Tool_Error Label for an address or type that is none.
+    std::vector<std::string> takeRawLabels(std::vector<std::string> labels);
     // The driver, loaded. Throws Tool_Error Library.
     const Driver_Library& driver();
 
@@ -61,7 +64,7 @@ public:
 
 private:
     std::unique_ptr<Label_File> labelFile;
-    const Label_File noLabels;
+    Label_File noLabels;  // but those made up
     std::unique_ptr<Driver_Library> library;
     std::atomic<bool> failedOutput{false};
 };

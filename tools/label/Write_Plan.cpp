@@ -43,6 +43,12 @@ std::vector<Assignment> readRecipe(const std::string& path) {
     return path == "-" ? parseRecipe(wholeUtf8("/dev/stdin"), "standard input") : parseRecipe(wholeUtf8(path), path);
 }
 
+std::vector<Assignment> withRawLabels(Tool& tool, std::vector<Assignment> assignments) {
+    for (Assignment& assignment : assignments)
+        assignment.label = tool.takeRawLabels({assignment.label}).front();
+    return assignments;
+}
+
 Write_Plan planOf(Session& session, const Label_File& file, const Plan_Options& options, const Assignment& assignment) {
     Write_Plan plan;
     bool wholeArray = false;

@@ -28,6 +28,9 @@ struct Write_Plan {
 // The assignments of a file; "-" is standard input. Throws File_Error.
 std::vector<Assignment> readRecipe(const std::string& path);
 
+// Before a session: bare addresses among the labels become labels, as Tool::takeRawLabels() says.
+std::vector<Assignment> withRawLabels(Tool& tool, std::vector<Assignment> assignments);
+
 // What is to be known of assignments beside themselves.
 struct Plan_Options {
     Template_Index index;

@@ -34,7 +34,8 @@ struct Trial {
 };
 
 // Polls as fast as the controller answers; nothing when interrupted.
-std::optional<Trial> measure(Tool& tool, const Polled_Labels& polled) {
+std::optional<Trial> measure(Tool& tool, Polled_Labels polled) {
+    polled.labels = tool.takeRawLabels(polled.labels);
     Watch_Events events;
     Online online(tool);
     online.session.addObserver(events);

@@ -65,9 +65,10 @@ bool show(Session& session, Output& out, const Read_Options& options, const Vari
 
 Exit_Code read(Tool& tool, const Read_Options& options) {
     requireTemplate(options.labels, options.index);
+    const std::vector<std::string> labels = tool.takeRawLabels(options.labels);
     Online online(tool);
     Session& session = online.session;
-    const std::vector<Variable> variables = findVariables(session, tool.labels(), options.labels, options.index);
+    const std::vector<Variable> variables = findVariables(session, tool.labels(), labels, options.index);
     const auto count = static_cast<std::uint32_t>(options.count);
     for (const Variable& variable : variables) {
         checkCount(variable, count);

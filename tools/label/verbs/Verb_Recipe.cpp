@@ -53,6 +53,7 @@ std::string recipeText(const Session& session, const std::vector<Variable>& vari
 // The file takes its name when all of it is there: a snapshot is whole or is not.
 Exit_Code snapshot(Tool& tool, const Snapshot_Options& options) {
     if (tool.options.append) throw Tool_Error(Exit_Code::Usage, "a snapshot is a whole file: --force replaces one");
+    const std::vector<std::string> labels = tool.takeRawLabels(options.labels);
     Online online(tool);
     Session& session = online.session;
     const bool toOutput = options.file == "-";
@@ -61,7 +62,7 @@ Exit_Code snapshot(Tool& tool, const Snapshot_Options& options) {
         file = std::make_unique<Output_File>(options.file, tool.outputPolicy());
         file->takeNameAtEnd();
     }
-    const std::vector<Variable> variables = findVariables(session, tool.labels(), options.labels, {});
+    const std::vector<Variable> variables = findVariables(session, tool.labels(), labels, {});
     online.connect();
     std::vector<Span> spans = spansOf(variables, 1, session.maxBytes());
     readSpans(session, spans, readProgress(tool.out));
@@ -83,7 +84,7 @@ Exit_Code snapshot(Tool& tool, const Snapshot_Options& options) {
 
 // Differences alone. What is shown alike is alike, whichever of its 255 values makes a bool true.
 Exit_Code compare(Tool& tool, const Compare_Options& options) {
-    const std::vector<Assignment> recipe = readRecipe(options.file);
+    const std::vector<Assignment> recipe = withRawLabels(tool, readRecipe(options.file));
     Online online(tool);
     Plan_Options planOptions = options.plan;
     planOptions.toBeWritten = false;

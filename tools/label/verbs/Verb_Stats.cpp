@@ -80,7 +80,8 @@ void showSummary(Output& out, const std::string& target, const Workload& work, c
     showPacking(out, work, now);
 }
 
-Exit_Code stats(Tool& tool, const Polled_Labels& options) {
+Exit_Code stats(Tool& tool, Polled_Labels options) {
+    options.labels = tool.takeRawLabels(options.labels);
     Watch_Events events;
     Online online(tool, Loss_Told::ByVerb);
     online.session.addObserver(events);

@@ -41,7 +41,10 @@ const Milliseconds TickTime{250};
 class Watch {
 public:
     Watch(Tool& userTool, const Watch_Options& watchOptions)
-        : tool(userTool), options(watchOptions), online(tool, Loss_Told::ByVerb) {}
+        : tool(userTool),
+          options(watchOptions),
+          labels(tool.takeRawLabels(options.labels)),
+          online(tool, Loss_Told::ByVerb) {}
     Exit_Code run();
 
 private:
@@ -59,6 +62,7 @@ private:
 
     Tool& tool;
     const Watch_Options& options;
+    const std::vector<std::string> labels;
     Watch_Events events;
     Online online;
     std::vector<Watched> all;
@@ -72,8 +76,7 @@ private:
 };
 
 void Watch::chooseVariables() {
-    std::vector<std::string> arguments = options.labels;
-    requireTemplate(arguments, options.index);
+    requireTemplate(labels, options.index);
     if (!options.until.empty()) {
         try {
             condition = parseComparison(options.until);
@@ -81,7 +84,7 @@ void Watch::chooseVariables() {
             throw Tool_Error(Exit_Code::Usage, std::string("--until: ") + mistake.what());
         }
     }
-    for (Variable& variable : findVariables(online.session, tool.labels(), arguments, options.index)) {
+    for (Variable& variable : findVariables(online.session, tool.labels(), labels, options.index)) {
         Watched watched;
         watched.variable = std::move(variable);
         all.push_back(std::move(watched));

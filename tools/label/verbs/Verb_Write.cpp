@@ -119,7 +119,7 @@ void tellRest(Output& out, const Write_Options& options, const std::vector<Write
 }
 
 Exit_Code write(Tool& tool, const Write_Options& options) {
-    const std::vector<Assignment> assignments = assignmentsOf(options);
+    const std::vector<Assignment> assignments = withRawLabels(tool, assignmentsOf(options));
     Online online(tool);
     Session& session = online.session;
     // all are checked before anything is written
