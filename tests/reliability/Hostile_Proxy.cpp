@@ -170,7 +170,9 @@ Hostile_Proxy::Hostile_Proxy(int controllerPort, unsigned period, const std::str
 void Hostile_Proxy::serve(int host) {
     if (std::exchange(refuses, false)) return;
     if (std::exchange(isDead, false)) return waitForClose(host);
-    if (!greeting.empty()) sendTo(host, std::exchange(greeting, ""));
+    const std::string old = std::exchange(greeting, "");
+    pollfd request = {host, POLLIN, 0};
+    if (!old.empty() && (greetsLate || ::poll(&request, 1, 0) == 0)) ++greeted, sendTo(host, old);
     Tcp_Client client(controller);
     for (bool open = true; open;) {
         Turn now = {host, client, chance, nextRequest(host), last, "", ""};

@@ -21,6 +21,10 @@ public:
     int port() const { return listener->port(); }
     // To be called when the host has closed; the following are known then.
     void finish() { listener.reset(); }
+    // How many connections began with an old reply. When the host's request is there first, the moment in which a host
+    // can tell is over, and there is no greeting unless it `greetsLate`, which is set before the host connects.
+    long greetings() const { return greeted; }
+    bool greetsLate = false;
     // How often each kind was injected.
     const std::map<std::string, long>& injected() const { return counts; }
     // Of these, the ones in a read that leave no good reply.
@@ -40,7 +44,8 @@ private:
     std::mt19937 chance{1};
     std::map<std::string, long> counts;
     long withoutGoodReply = 0;
-    std::string last;                  // the reply before
+    std::string last;  // the reply before
+    long greeted = 0;
     std::string greeting;              // what the next connection begins with
     bool refuses = false;              // the next connection is closed
     bool isDead = false;               // the next connection is not answered
