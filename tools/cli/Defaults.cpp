@@ -27,12 +27,14 @@ struct Setting_Name {
     const char* environment;  // null: none
     bool isPath;
 };
-const std::array<Setting_Name, 6> Names = {{{"labels", "VORNEX_LABELS", true},
-                                            {"target", "VORNEX_TARGET", false},
-                                            {"timeout", nullptr, false},
-                                            {"settle", nullptr, false},
-                                            {"retries", nullptr, false},
-                                            {"max-bytes", nullptr, false}}};
+const std::array<Setting_Name, 21> Names = {
+    {{"labels", "VORNEX_LABELS", true}, {"target", "VORNEX_TARGET", false}, {"timeout", nullptr, false},
+     {"settle", nullptr, false},        {"retries", nullptr, false},        {"max-bytes", nullptr, false},
+     {"broker", nullptr, false},        {"user", nullptr, false},           {"password-file", nullptr, true},
+     {"ca-file", nullptr, true},        {"certificate", nullptr, true},     {"key", nullptr, true},
+     {"group", nullptr, false},         {"node", nullptr, false},           {"device", nullptr, false},
+     {"primary-host", nullptr, false},  {"poll", nullptr, false},           {"writable", nullptr, false},
+     {"aliases", nullptr, false},       {"state", nullptr, true},           {"store-size", nullptr, false}}};
 const char FileName[] = "vornex.toml";
 const char Section[] = "controllers.";
 

@@ -75,6 +75,14 @@ int hostCount(const Label_Range& range) {
     return static_cast<int>(range.code >= 3 && range.code <= 9 ? range.bytes / 2 : range.bytes);
 }
 
+std::string hostLayout(const Label_Range& range, const std::string& bytes) {
+    if (range.code != 2) return bytes;
+    std::string words;
+    for (char byte : bytes)
+        words += {byte, '\0'};
+    return words;
+}
+
 QList<Label_Type_Info> memoryLabel(std::uint32_t address, int code) {
     Label_Type_Info info;
     info.name = MemoryLabel;

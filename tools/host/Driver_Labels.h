@@ -26,6 +26,8 @@ void setUpComInfo(ComInfo& comInfo, int maxBytes, int retries);
 
 // The host's count for the run: bytes for type codes 1, 2, 10 and 11, 16-bit words for the others.
 int hostCount(const Label_Range& range);
+// Controller bytes for the range as the driver takes them to write: the value of a type 2 element from a 16-bit word.
+std::string hostLayout(const Label_Range& range, const std::string& bytes);
 
 // Stands for bare memory: pointed to where it is needed. No label file has such a name.
 extern const char MemoryLabel[];

@@ -18,15 +18,6 @@ namespace {
 const std::size_t PiecesInFlight = 4;
 const std::size_t ShownBytes = 32;
 
-// The driver takes the value of a type 2 element from a 16-bit word.
-std::string hostLayout(int code, const std::string& bytes) {
-    if (code != 2) return bytes;
-    std::string words;
-    for (char byte : bytes)
-        words += {byte, '\0'};
-    return words;
-}
-
 }  // namespace
 
 const std::size_t LongestPiece = 64000;
@@ -92,7 +83,7 @@ int startPiece(Session& session, const Write_Plan& plan, std::size_t offset, std
         range.label = MemoryLabel;
         session.setMemoryLabel(static_cast<std::uint32_t>(plan.variable.address + offset), range.code);
     }
-    return session.startWrite(range, hostLayout(range.code, plan.bytes.substr(offset, length)));
+    return session.startWrite(range, hostLayout(range, plan.bytes.substr(offset, length)));
 }
 
 void writePlan(Session& session, Output& out, Write_Plan& plan) {
