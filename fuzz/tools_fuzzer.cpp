@@ -1,6 +1,8 @@
 // What people and peers give to the tools: label files, tables, type texts, fault rules, frames, control lines, records
 // and what is typed.
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <iterator>
 #include <stdexcept>
 #include <string>
@@ -13,6 +15,7 @@
 #include "sim/Control.h"
 #include "trace/Trace_Player.h"
 #include "values/Comparison.h"
+#include "values/Shown_Value.h"
 #include "values/Value_Codec.h"
 #include "wire/Check_Value.h"
 #include "wire/Frame_Reader.h"
@@ -151,6 +154,30 @@ void checkValues(const std::string& text) {
     }
 }
 
+// The same for shown values, whatever scale, offset, decimals and states are: the text's first bytes.
+void checkMeanings(const std::string& text) {
+    double numbers[2] = {};
+    std::memcpy(numbers, text.data(), std::min(text.size(), sizeof numbers));
+    const std::string rest = text.substr(std::min(text.size(), sizeof numbers));
+    auto meaning = std::make_shared<Meaning>();
+    if (std::isfinite(numbers[0])) meaning->scale = numbers[0];
+    if (std::isfinite(numbers[1])) meaning->offset = numbers[1];
+    if (!rest.empty() && rest[0] % 2 == 0) meaning->decimals = rest[0] & 15;
+    if (rest.size() > 1 && rest[1] % 2 == 0) meaning->states = {{"off", 0}, {rest.substr(2, 3), rest[1]}};
+    for (const View view : {View::U8, View::S16, View::U32, View::S64, View::U64, View::F32, View::F64, View::Hex}) {
+        const std::uint32_t size = view == View::Hex ? 2 : viewEntry(view).width;
+        if (!meaningProblem(*meaning, view, size).empty()) continue;
+        const Value_Form form(view, size, meaning);
+        std::string bytes = rest.substr(0, size);
+        bytes.resize(size, '\0');
+        REQUIRE(bytesOfShown(form, shownOf(form, bytes).shown()) == bytes);
+        try {
+            checkLimits(form, bytesOfShown(form, rest));
+        } catch (const std::invalid_argument&) {
+        }
+    }
+}
+
 // Values, conditions and label texts.
 void checkTyped(const std::string& text) {
     checkValues(text);
@@ -194,8 +221,8 @@ void checkFrames(const std::string& received) {
 }
 
 using Check = void (*)(const std::string&);
-const Check Checks[] = {checkJson,   checkCsv,     checkTypeText, checkFault,
-                        checkFrames, checkControl, checkRecord,   checkTyped};
+const Check Checks[] = {checkJson,    checkCsv,    checkTypeText, checkFault,   checkFrames,
+                        checkControl, checkRecord, checkTyped,    checkMeanings};
 
 }  // namespace
 

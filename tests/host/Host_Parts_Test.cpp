@@ -65,14 +65,18 @@ TEST(VariableValue, fitsWhatIsWrittenIntoTheArray) {
     for (const auto& row : rows) {
         std::string bytes;
         try {
-            bytes = hexBytes(bytesOfValue(row.variable, row.view, row.wholeArray, row.text));
+            Variable variable = row.variable;
+            variable.view = row.view;
+            bytes = hexBytes(bytesOfValue(variable, row.wholeArray, row.text));
         } catch (const std::invalid_argument&) {
         }
         EXPECT_EQ(bytes, row.bytes) << row.variable.text << "=" << row.text;
     }
-    EXPECT_EQ(valueOfRun(words, View::U16, std::string("\1\0\2\0", 4)).shown(), "[1, 2]");
-    EXPECT_EQ(valueOfRun(letters, View::F32, std::string("\0\0\x80\x3F", 4)).shown(), "1");
-    EXPECT_EQ(valueOfRun(letters, View::F32, "abc").shown(), "61 62 63");  // no whole number of floats
+    words.view = View::U16;
+    EXPECT_EQ(rawValue(words, std::string("\1\0\2\0", 4)).shown(), "[1, 2]");
+    letters.view = View::F32;
+    EXPECT_EQ(rawValue(letters, std::string("\0\0\x80\x3F", 4)).shown(), "1");
+    EXPECT_EQ(rawValue(letters, "abc").shown(), "61 62 63");  // no whole number of floats
 }
 
 TEST(Known_Bytes, tellUnknownStaleAndFreshApart) {

@@ -51,5 +51,63 @@ TEST(Label_Terms, readsAndWritesTextsAndTypesByTheirNames) {
     }
 }
 
+TEST(Label_Terms, showsAndTakesValuesAsTheLabelFileMeansThem) {
+    Sim_Process sim({"-l", PLANT, "-q", "--control", "-"});
+    sim.writeLine("set Flow 161.2");
+    EXPECT_EQ(sim.readLine(), "ok");
+    const struct {
+        const char* arguments;
+        int code;
+        const char* text;
+    } rows[] = {
+        {"read Flow", 0, "Flow = 161.2 l/min (high)\n"},
+        {"read Flow -o json", 0, "\"value\":161.2,\"raw\":1612,\"unit\":\"l/min\",\"band\":\"high\""},
+        {"read --raw Flow", 0, "Flow = 1612 (high)\n"},
+        {"read Flow --as u16", 0, "Flow = 1612\n"},
+        {"write Flow=12.34 --verify", 0, "Flow = 12.3 l/min  verified"},
+        {"write --raw Flow=125", 0, "Flow = 125  acknowledged"},
+        {"read Flow", 0, "Flow = 12.5 l/min\n"},
+        {"write Flow=250.1", 2, "Flow: '250.1' is above the most of what may be written, 250 l/min"},
+        {"write Flow=65535 --as UINT", 2, "'-0.1' is below the least"},
+        {"write --raw Flow=-1", 2, "'-0.1' is below the least of what may be written, 0 l/min"},
+        {"write 'Mode=by hand' --verify", 0, "Mode = by hand  verified"},
+        {"write Mode=automtic", 2, "did you mean 'automatic'?"},
+        {"read Mode -o csv", 0, ",Mode,by hand,1,,"},
+        {"watch Mode --until 'Mode==by hand' -n 50", 0, "Mode = by hand"},
+        {"watch Flow --until 'Flow<12.6' -n 50", 0, "Flow = 12.5 l/min"},
+        {"watch Flow --raw -n 1 -i 1", 0, "Flow = 125\n"},
+        {"read Flow Mode -o json | TOOL write -f - --verify", 0, "Mode = by hand  verified"},
+        {"read --raw Flow -o json | TOOL write -f - --verify", 0, "Flow = 125  verified"},
+        {"snapshot - Flow Mode", 0, "Flow=12.5\nMode=by hand\n"},
+        // a bit changes alone, in whatever the others hold
+        {"write Alarms=0x00010010", 0, "Alarms = 0x00010010  acknowledged"},
+        {"write Alarms.Overload=on", 0, "Alarms.Overload = true  verified"},
+        {"read Alarms Alarms.Overload Alarms.Door", 0,
+         "Alarms = 0x00010110\nAlarms.Overload = true\nAlarms.Door = false\n"},
+        {"write Alarms.Overload=off Alarms.Door=1", 0, "what the controller changes in the other bits"},
+        {"read Alarms", 0, "Alarms = 0x00018010"},
+        {"watch Alarms.Door -n 1 -i 1 -o json", 0, "\"label\":\"Alarms.Door\",\"value\":true,\"raw\":true"},
+        {"read Alarms.Dor", 2, "'Alarms' has no bit 'Dor'; did you mean 'Door'?"},
+        {"write Alarms.Door=2", 2, "neither true"},
+        {"write Alarms.Door=on --dry-run", 0, "its 4 bytes at 120 are read, changed and written"},
+    };
+    for (const auto& row : rows) {
+        std::string arguments = row.arguments;
+        const std::size_t pipe = arguments.find(" |");
+        arguments.insert(std::min(pipe, arguments.size()), on(sim.port()));
+        const std::size_t second = pipe == std::string::npos ? pipe : arguments.find("TOOL", pipe);
+        if (second != std::string::npos) arguments.replace(second, 4, TOOL) += on(sim.port());
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.code, row.code) << row.arguments << "\n" << outcome.text;
+        EXPECT_TRUE(outcome.holds(row.text)) << row.arguments << "\n" << outcome.text;
+    }
+    sim.writeLine("get Flow");
+    EXPECT_EQ(sim.readLine(), "ok 12.5");
+    sim.writeLine("set Mode automatic");
+    EXPECT_EQ(sim.readLine(), "ok");
+    sim.writeLine("get 126 2");
+    EXPECT_EQ(sim.readLine(), "ok 02 00");
+}
+
 }  // namespace
 }  // namespace vornex::test

@@ -63,7 +63,7 @@ TEST(Check, tellsTheDriversCodeAndThePlace) {
 }
 
 TEST(Check, comparesEveryElementWithTheFile) {
-    expectAll({{"check --all -l " PLANT, 0, "198 resolve, 0 do not"},
+    expectAll({{"check --all -l " PLANT, 0, "200 resolve, 0 do not"},
                {"check 'Motors*Temp' -v -l " PLANT, 0, "Motors[4].Temp              address 652  type 4"},
                {"check 'Zo*' -l " PLANT, 2, "no label matches 'Zo*'"},
                {"check Sped -l " PLANT, 2, "did you mean 'Speed'?"},
@@ -105,7 +105,7 @@ TEST(Ls, showsTreeAndElements) {
          // paths with all indexes, with some, with a glob behind them
          {"ls 'Motors[2].Speed' -l " PLANT, 0, "\nMotors[2]  MotorT             548        48\n  Speed    7 "},
          {"ls 'Line[2].Feed.Axis[2].Error' -l " PLANT, 0, "\n      Error   4       s16       1244         2\n"},
-         {"ls 'Motors[3].S*' -o csv -l " PLANT, 0, "\nMotors[3].Speed,7,f32,600,4,1,4,rpm,1\n"},
+         {"ls 'Motors[3].S*' -o csv -l " PLANT, 0, "\nMotors[3].Speed,7,f32,600,4,1,4,rpm,1,\n"},
          {"ls 'Buf[1A]' -l " PLANT, 0, "\nBuf[1a]  1/16  hex        726         1\n"},
          {"ls 'Motors[%%].Temp' -l " PLANT, 0, "\nMotors[1..4]  MotorT             500       192\n  Temp"},
          {"ls 'Line.Feed[2].Speed' --elements -l " PLANT, 0, "\nLine[2].Feed[2].Speed  7 "},
@@ -117,14 +117,14 @@ TEST(Ls, showsTreeAndElements) {
 }
 
 TEST(Labels, convertKeepsEverythingAndOverwritesNothing) {
-    expectAll({{"labels convert " PLANT " a.csv --force --separator ';' --bom", 0, "a.csv: 13 labels, 4 structures"},
+    expectAll({{"labels convert " PLANT " a.csv --force --separator ';' --bom", 0, "a.csv: 15 labels, 4 structures"},
                {"labels convert a.csv b.json --force -q", 0, ""},
                {"labels convert b.json c.csv --force --separator ';' --bom", 0, "c.csv"},
                {"labels convert b.json a.csv", 1, "a.csv exists"},
                {"labels convert b.json a.txt", 1, "a.txt: a label file ends in .json or .csv; --to takes another name"},
-               {"labels convert b.json a --to csv --force", 0, "a: 13 labels"},
+               {"labels convert b.json a --to csv --force", 0, "a: 15 labels"},
                {"labels convert b.json /nosuch/a.csv", 1, "/nosuch/a.csv: its folder: No such file"},
-               {"check --all -l a.csv", 0, "198 resolve, 0 do not"}});
+               {"check --all -l a.csv", 0, "200 resolve, 0 do not"}});
     EXPECT_EQ(runCommand(WORK_DIR, "cmp a.csv c.csv").code, 0);
 }
 
@@ -145,7 +145,7 @@ TEST(Labels, lintNamesFileLineAndLabel) {
                {"labels lint sim.csv", 2, "sim.csv:4: error: T.B: 'x' is not a number [sim]\n"},
                {"labels lint sim.csv", 2, "sim.csv:6: warning: L: '0.123456789' is stored as 0.12345679, the nearest"},
                {"labels lint sim.csv", 2, "sim.csv:7: error: M[999997]: more than a million elements with a motion"},
-               {"labels lint " PLANT, 0, "13 labels, nothing found"}});
+               {"labels lint " PLANT, 0, "15 labels, nothing found"}});
 }
 
 TEST(Labels, namesAreWhatTheDissectorReads) {

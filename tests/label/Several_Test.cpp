@@ -52,7 +52,7 @@ TEST_F(Several, areWatchedAtATime) {
         {"watch Setpoint -n 3 -i 1 -t press1,press2", 0, {{"press1: ", -1}, {"press2: ", -1}, {" = 1500 rpm\n", 2}}},
         {"watch Setpoint -n 3 -i 1 -t press1,press2 -o csv -q",
          0,
-         {{"controller,time,label,value,unit,state\n", 1}, {"press1,2", 1}, {"press2,2", 1}}},
+         {{"controller,time,label,value,raw,unit,band,state\n", 1}, {"press1,2", 1}, {"press2,2", 1}}},
         {"watch Setpoint -n 3 -i 1 -t press1,press2 -o json -q",
          0,
          {{"{\"controller\":\"press1\",", 1}, {"{\"controller\":\"press2\",", 1}}},

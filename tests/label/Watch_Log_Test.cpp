@@ -41,10 +41,11 @@ TEST(Watch_Log, keepsEachRoundOrTheChangesAlone) {
         const char* line;  // of Setpoint, which stands still
         long rounds;
     } rows[] = {
-        {"", "\\d{4}-.*T.*[+-]\\d\\d:\\d\\d,Setpoint,1500,rpm,fresh", 7},
-        {"--log-format json", "\\{\"time\":\"2.*\",\"label\":\"Setpoint\",\"value\":1500,\"unit\":\"rpm\",.*\\}", 7},
+        {"", "\\d{4}-.*T.*[+-]\\d\\d:\\d\\d,Setpoint,1500,1500,rpm,,fresh", 7},
+        {"--log-format json",
+         "\\{\"time\":\"2.*\",\"label\":\"Setpoint\",\"value\":1500,\"raw\":1500,\"unit\":\"rpm\",.*\\}", 7},
         {"--log-format influx", "vornex,controller=127.0.0.1:\\d+,label=Setpoint,unit=rpm value=1500 \\d{19}", 7},
-        {"--changes", ".*,Setpoint,1500,rpm,fresh", 1},
+        {"--changes", ".*,Setpoint,1500,1500,rpm,,fresh", 1},
     };
     for (const auto& row : rows) {
         fs::remove_all(folder);
@@ -73,8 +74,8 @@ TEST(Watch_Log, isMendedAfterAKill) {
     const Outcome outcome = run("watch Cycles -q -i 1 -n 3 --log log" + on(sim.port()));
     EXPECT_EQ(outcome.code, 0) << outcome.text;
     const std::string text = textIn(folder);
-    EXPECT_GE(linesWith(text, ".*,Cycles,\\d+,,fresh"), 4) << text;  // of both runs
-    EXPECT_EQ(linesWith(text, "time,label,value,unit,state"), 1) << text;
+    EXPECT_GE(linesWith(text, ".*,Cycles,\\d+,\\d+,,,fresh"), 4) << text;  // of both runs
+    EXPECT_EQ(linesWith(text, "time,label,value,raw,unit,band,state"), 1) << text;
     EXPECT_EQ(linesWith(text, ".*,Cyc(|2.*)"), 0) << text;
 }
 

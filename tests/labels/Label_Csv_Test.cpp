@@ -33,7 +33,7 @@ TEST(Label_Csv, readsWhatSpreadsheetsWrite) {
         EXPECT_EQ(formatType(file.labels[0].type), "4[0..2,0..3]/16") << text;
         EXPECT_EQ(file.labels[0].at, 300u) << text;
         EXPECT_EQ(file.labels[0].view, View::S16) << text;
-        EXPECT_EQ(file.labels[0].unit, "m\"/s") << text;
+        EXPECT_EQ(meaningOf(file.labels[0]).unit, "m\"/s") << text;
     }
 }
 
@@ -41,7 +41,12 @@ TEST(Label_Csv, losesNothingBothWays) {
     const std::string json =
         "{\n  \"format\": 1,\n  \"target\": \"plc:2000\",\n  \"structs\": {\n"
         "    \"AxisT\": {\"size\": 4, \"members\": [\n"
-        "      {\"name\": \"Pos\", \"type\": \"3\", \"at\": 0, \"view\": \"hex\", \"sim\": \"ramp(0,3,5)\"},\n"
+        "      {\"name\": \"Pos\", \"type\": \"INT\", \"at\": 0, \"view\": \"hex\", \"unit\": \"mm\", \"decimals\": 2, "
+        "\"scale\": "
+        "0.05, \"offset\": -1e-07, \"min\": 0, \"max\": 3e+09, \"low\": 1, \"high\": 2.5, \"states\": {\"0\": \"off; "
+        "on\", \"40000\": "
+        "\"auto\"}, \"bits\": {\"Door open\": 15}, \"description\": \" Where, \\\"it\\\" is\", \"sim\": "
+        "\"ramp(0,3,5)\"},\n"
         "      {\"name\": \"Err\", \"type\": \"1[1..2]\", \"at\": 2}\n    ]},\n"
         "    \"MotorT\": {\"size\": 12, \"members\": [\n"
         "      {\"name\": \"Axis\", \"type\": \"AxisT[0..1]\", \"at\": 4}\n    ]}\n  },\n"
@@ -63,7 +68,8 @@ TEST(Label_Csv, namesLineAndColumnOfMistakes) {
         const char* error;
     } rows[] = {
         {"", "f:1: the table is empty"},
-        {"kind,name,typ\n", "f:1:11: unknown column 'typ'"},
+        {"kind,name,type,at,scale\nlabel,A,3,0,0;1\n", "f:2:13: scale '0;1' is not a number"},
+        {"kind,name,type,at,states\nlabel,A,3,0,off\n", "f:2:13: 'off' in states is not LEFT=RIGHT"},
         {"kind,name,kind\n", "f:1:11: column 'kind' stands twice"},
         {"name,type\n", "f:1:1: column 'kind' is missing"},
         {"kind,name,type,at\nlabel,\xC3\xA4,3,1OO\n", "f:2:11: at '1OO' is not a whole number"},

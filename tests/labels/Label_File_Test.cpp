@@ -60,7 +60,6 @@ TEST(Label_File, refusesFilesWithFileAndLine) {
         {"syntax", "{\"format\":1,\n\"labels\":[,]}", "f:2: column 11: "},
         {"format", "{\"format\":2,\"labels\":[]}", "f:1: the format is not 1"},
         {"no labels", "{\"format\":1}", "f:1: the key \"labels\" is missing"},
-        {"unknown key", "{\"format\":1,\n\"lables\":[]}", "f:2: unknown key \"lables\""},
         {"key twice", "{\"format\":1,\n\"format\":1}", "f:2: the key \"format\" stands twice"},
         {"target", "{\"format\":1,\n\"target\":\"host\",\"labels\":[]}", "f:2: target 'host' is not HOST:PORT"},
         {"port", "{\"format\":1,\n\"target\":\"host:0x50000\",\"labels\":[]}",
@@ -73,8 +72,6 @@ TEST(Label_File, refusesFilesWithFileAndLine) {
 
 TEST(Label_File, refusesLabelsWithFileLineAndLabel) {
     expectRefused({
-        {"label key", withLabel("\"name\":\"A\",\"type\":\"3\",\n\"at\":0,\n\"adress\":1"),
-         "f:5: label 'A': unknown key \"adress\""},
         {"no name", withLabel("\"type\":\"3\""), "f:3: the key \"name\" is missing"},
         {"empty name", withLabel("\"name\":\"\",\"type\":\"3\",\"at\":0"), "f:3: label '': the name is empty"},
         {"dot in name", withLabel("\"name\":\"A.B\",\"type\":\"3\",\"at\":0"), "f:3: label 'A.B': a name cannot hold"},
@@ -137,13 +134,13 @@ TEST(Label_File, refusesStructuresAndWhatTheyMultiply) {
 }
 
 // A list of digits takes a hundred times its size in memory.
-TEST(Label_File, endsAtTwoMillionValues) {
+TEST(Label_File, endsAtMillionsOfValues) {
     std::string list, cells = "kind,name\n";
-    for (int i = 0; i < 2000001; ++i) {
+    for (int i = 0; i < 4000001; ++i) {
         list += "0,";
-        cells += ',';
+        if (i < 2000001) cells += ',';
     }
-    EXPECT_EQ(errorOf("{\"format\":1,\n\"labels\":[" + list + "0]}"), "f:2: more than two million values");
+    EXPECT_EQ(errorOf("{\"format\":1,\n\"labels\":[" + list + "0]}"), "f:2: more than four million values");
     try {
         parseLabels(cells, "f.csv");
         ADD_FAILURE() << "accepted";
@@ -163,7 +160,7 @@ TEST(Label_File, readsCommentsKeysAndLines) {
     ASSERT_EQ(file.labels.size(), 1u);
     EXPECT_EQ(file.labels[0].line, 6);
     EXPECT_EQ(file.labels[0].at, 4294967288u);
-    EXPECT_EQ(file.labels[0].unit, "rpm");
+    EXPECT_EQ(meaningOf(file.labels[0]).unit, "rpm");
     EXPECT_EQ(elementBytes(file, file.labels[0].type), 4u);
     EXPECT_EQ(file.structs.at("S").members[0].view, View::F32);
 }

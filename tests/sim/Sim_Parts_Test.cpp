@@ -40,13 +40,13 @@ TEST(Sim_Motion, movesByTimeAndElement) {
         {"count(10)", 95, 0, 9},           {"count(10,5,3)", 20, 2, 17},
     };
     for (const Motion_Row& row : rows) {
-        EXPECT_NEAR(motionValue(parseMotion(row.text, View::U16, 2), row.time, row.element, 1), row.value, 1e-6)
+        EXPECT_NEAR(motionValue(parseMotion(row.text, {View::U16, 2}), row.time, row.element, 1), row.value, 1e-6)
             << row.text << " at " << row.time;
     }
 }
 
 TEST(Sim_Motion, randomHoldsStaysInsideAndFollowsTheSeed) {
-    const Motion motion = parseMotion("random(-5,5,100)", View::S16, 2);
+    const Motion motion = parseMotion("random(-5,5,100)", {View::S16, 2});
     EXPECT_EQ(motionValue(motion, 100, 0, 1), motionValue(motion, 199, 0, 1));
     int changes = 0;
     for (int step = 0; step < 100; ++step) {
@@ -80,7 +80,7 @@ TEST(Sim_Motion, refusesWhatMakesNoSense) {
         {"count(9)", View::Text, 5, "a text cannot move"},
     };
     for (const Refused_Text& row : rows) {
-        const std::string error = errorOf([&] { parseMotion(row.text, row.view, row.bytes); });
+        const std::string error = errorOf([&] { parseMotion(row.text, {row.view, row.bytes}); });
         EXPECT_NE(error.find(row.error), std::string::npos) << row.text << ": " << error;
     }
 }

@@ -8,6 +8,7 @@
 #include "edge/payload/Metric_Names.h"
 #include "edge/payload/Wire_Value.h"
 #include "host/Span_Read.h"
+#include "host/Variable_Value.h"
 #include "values/Value_Codec.h"
 
 namespace vornex::edge {
@@ -43,6 +44,8 @@ void Published_Labels::addGroup(Session& session, const Label_File& file, const 
         taken.insert(watched.variable.text);
     for (Variable& variable : findVariables(session, file, group.patterns, Template_Index())) {
         if (!taken.insert(variable.text).second) continue;
+        // a metric's type is that of the bytes
+        if (formOf(variable).changes()) seeAs(variable, variable.view);
         entries.push_back(entryOf(variable));
         filters.emplace_back(group);
         Watched watched;
@@ -60,7 +63,7 @@ void Published_Labels::allowWriting(Session& session, const Label_File& file,
     for (const Variable& variable : findVariables(session, file, writable, Template_Index())) {
         const auto place = places.find(variable.text);
         if (place == places.end()) throw std::invalid_argument("'" + variable.text + "' is writable but not published");
-        if (variable.range.code >= 10)
+        if (variable.range.code >= 10 || variable.bit)
             throw std::invalid_argument("'" + variable.text + "' cannot be written by itself");
         entries[place->second].isWritable = true;
     }
@@ -104,6 +107,7 @@ bool Published_Labels::areFresh() const {
 // The value is a stranger's: of what can be typed at a terminal, files are not read here.
 void writeVerified(Session& session, const Variable& variable, const std::string& typed) {
     const std::string bytes = bytesOf(variable.view, variable.bytes, typed);
+    checkLimits({variable.ownView, variable.bytes, variable.meaning}, bytes);
     const Completion written = session.wait(session.startWrite(variable.range, hostLayout(variable.range, bytes)));
     if (written.state != Completion::State::Good)
         throw std::invalid_argument("it may not be written: " + completionText(written));

@@ -6,6 +6,7 @@
 
 #include "labels/Label_Explain.h"
 #include "labels/Template_Text.h"
+#include "text/Nearest_Word.h"
 
 namespace vornex {
 
@@ -14,12 +15,28 @@ namespace {
 Variable variableOf(const Leaf& leaf) {
     Variable variable;
     variable.text = leaf.text;
-    variable.unit = leaf.definition->unit;
+    variable.unit = meaningOf(*leaf.definition).unit;
+    variable.ownView = leaf.view;
+    variable.meaning = leaf.definition->meaning;
     variable.view = leaf.view;
     variable.address = leaf.address;
     variable.bytes = leaf.bytes;
     variable.range = {driverLabel(leaf), 0, leaf.code, leaf.bytes};
     return variable;
+}
+
+// The bit of the element that the argument names: "Alarms.Overload"; null when it names none.
+const Named_Number* bitNamed(const Leaf& leaf, const std::string& argument) {
+    const std::size_t size = leaf.text.size();
+    if (argument.size() <= size || argument[size] != '.' || argument.compare(0, size, leaf.text) != 0) return nullptr;
+    return findName(meaningOf(*leaf.definition).bits, argument.substr(size + 1));
+}
+
+void makeBit(Variable& variable, const Named_Number& bit) {
+    variable.text += "." + bit.name;
+    seeAs(variable, View::Bool);
+    variable.bit = static_cast<std::uint32_t>(bit.number);
+    variable.elements = 1;
 }
 
 bool isGlob(const std::string& text) { return text.find_first_of("*?") != std::string::npos; }
@@ -50,12 +67,14 @@ public:
         if (leaf.definition != runDefinition || leaf.address != runEnd) endRun();
         for (std::size_t i = 0; i < arguments.size(); ++i) {
             const std::string& argument = arguments[i];
-            if (isGlob(argument) ? globCovers(argument, leaf.text) : leadsOnFrom(argument, leaf.text)) {
+            const Named_Number* const bit = bitNamed(leaf, argument);
+            if (bit || (isGlob(argument) ? globCovers(argument, leaf.text) : leadsOnFrom(argument, leaf.text))) {
                 if (++held > MostElementsHeld) {
                     throw Host_Error(Host_Error::Kind::Label,
                                      "'" + argument + "' makes more than a million elements of " + file.path);
                 }
                 found[i].push_back(variableOf(leaf));
+                if (bit) makeBit(found[i].back(), *bit);
             }
         }
         runDefinition = leaf.definition;
@@ -67,7 +86,8 @@ public:
         for (std::size_t i = 0; i < found.size(); ++i) {
             for (; runStart[i] < found[i].size(); ++runStart[i]) {
                 Variable& variable = found[i][runStart[i]];
-                variable.elements = static_cast<std::uint32_t>((runEnd - variable.address) / variable.bytes);
+                const std::uint64_t elements = (runEnd - variable.address) / variable.bytes;
+                variable.elements = variable.bit ? 1 : static_cast<std::uint32_t>(elements);
             }
         }
     }
@@ -138,6 +158,18 @@ std::optional<Variable> firstOf(const Label_File& file, const std::string& begin
     return first;
 }
 
+// A path without indexes that leads to the element, or to something behind it where it has bits.
+bool isPathOf(const Leaf& leaf, const std::string& path) {
+    const std::string own = pathOf(leaf.text);
+    return own == path || (!meaningOf(*leaf.definition).bits.empty() && leadsOnFrom(own, path));
+}
+
+void takeBit(Variable& variable, const std::string& name) {
+    if (const Named_Number* const bit = findName(variable.meaning->bits, name)) return makeBit(variable, *bit);
+    throw Host_Error(Host_Error::Kind::Label, "'" + variable.text + "' has no bit '" + name + "'" +
+                                                  didYouMean(name, namesOf(variable.meaning->bits)));
+}
+
 // Spellings that the file's walk does not produce, templates above all: the driver says where they point to, the
 // definition with the same path says what lies there.
 Variable resolveSpelling(Session& session, const Label_File& file, const std::string& argument,
@@ -146,10 +178,11 @@ Variable resolveSpelling(Session& session, const Label_File& file, const std::st
     const std::optional<std::uint32_t> address = session.resolve(argument, number);
     if (!address) noSuchLabel(file, argument, index);
     const std::string path = pathOf(argument);
-    const auto isMeant = [&](const Leaf& leaf) { return leaf.address == *address && pathOf(leaf.text) == path; };
+    const auto isMeant = [&](const Leaf& leaf) { return leaf.address == *address && isPathOf(leaf, path); };
     Extent extent = Extent::Element;
     std::optional<Variable> variable = firstOf(file, path.substr(0, path.find('.')), isMeant, extent);
     if (!variable) noSuchLabel(file, argument, index);
+    if (pathOf(variable->text) != path) takeBit(*variable, path.substr(path.rfind('.') + 1));
     variable->range.label = argument;
     variable->range.index = number;
     refuseCarry(session, file, *variable, index);
@@ -167,6 +200,12 @@ void useDriverAddress(Session& session, const Label_File& file, Variable& variab
 }
 
 }  // namespace
+
+void seeAs(Variable& variable, View view) {
+    variable.view = view;
+    variable.isRaw = true;
+    variable.unit.clear();
+}
 
 void requireTemplate(const std::vector<std::string>& arguments, const Template_Index& index) {
     if (!index.number || std::any_of(arguments.begin(), arguments.end(), isTemplate)) return;
@@ -201,10 +240,12 @@ std::vector<Variable> findVariables(Session& session, const Label_File& file, co
 
 Variable firstVariable(Session& session, const Label_File& file, const std::string& argument,
                        const Template_Index& index, Extent& extent) {
-    const auto isMeant = [&](const Leaf& leaf) { return leadsOnFrom(argument, leaf.text); };
+    const auto isMeant = [&](const Leaf& leaf) { return bitNamed(leaf, argument) || leadsOnFrom(argument, leaf.text); };
     std::optional<Variable> first;
     extent = Extent::Several;
     if (!isGlob(argument)) first = firstOf(file, argument, isMeant, extent);
+    if (first && leadsOnFrom(first->text, argument) && first->text != argument)
+        takeBit(*first, argument.substr(first->text.size() + 1));
     if (!first) return findVariables(session, file, {argument}, index).front();
     useDriverAddress(session, file, *first);
     return *first;

@@ -2,6 +2,7 @@
 #ifndef VORNEX_HOST_VARIABLES_H
 #define VORNEX_HOST_VARIABLES_H
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,11 +16,17 @@ struct Variable {
     std::string text;  // as it is shown: the label text without template marks
     std::string unit;
     View view = View::U8;
-    std::uint32_t address = 0;   // as the driver resolves it
-    std::uint32_t bytes = 0;     // of one element
-    std::uint32_t elements = 1;  // from this one to the end of its array
-    Label_Range range;           // one element, as the driver is asked for it
+    View ownView = View::U8;                 // the label's, for which the meaning is
+    std::shared_ptr<const Meaning> meaning;  // null: none
+    bool isRaw = false;                      // shown and typed without its meaning
+    std::optional<std::uint32_t> bit;        // the variable is this bit of the element
+    std::uint32_t address = 0;               // as the driver resolves it
+    std::uint32_t bytes = 0;                 // of one element
+    std::uint32_t elements = 1;              // from this one to the end of its array
+    Label_Range range;                       // one element, as the driver is asked for it
 };
+// Shown and typed under this view, as the bytes have it: neither scale nor states, and no unit.
+void seeAs(Variable& variable, View view);
 
 // The number for templates, 0 when none is given.
 struct Template_Index {
@@ -31,9 +38,10 @@ struct Template_Index {
 void requireTemplate(const std::vector<std::string>& arguments, const Template_Index& index);
 
 // The variables of each argument, in the order of the arguments and then of the file. An argument is a label text, a
-// label text with template marks (completed with `index`), an array or structure (all its elements), or a glob with
-// * and ?. Throws Host_Error Label for an argument that names nothing, with the reason and the place, that the driver
-// does not resolve, or whose index number does not stay as it is.
+// label text with template marks (completed with `index`), an array or structure (all its elements), a named bit of an
+// element ("Alarms.Overload"), or a glob with * and ?, which stands for whole elements. Throws Host_Error Label for an
+// argument that names nothing, with the reason and the place, that the driver does not resolve, or whose index number
+// does not stay as it is.
 std::vector<Variable> findVariables(Session& session, const Label_File& file, const std::vector<std::string>& arguments,
                                     const Template_Index& index);
 

@@ -36,6 +36,8 @@ void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses) {
     if ((uses & UsesLink) == UsesLink) addLinkOptions(app, values);
     startGroup(app, "Common options");
     if (uses & UsesLabels) addText(app, "-l,--labels", "FILE", values.labelFile, "The label file.");
+    if (uses & UsesLabels)
+        addFlag(app, "--strict", values.strict, "What is doubtful in it is an error: unknown keys and columns.");
     if (uses & UsesDriver) {
         addText(app, "--library", "FILE", values.library, "The driver library; without it the one beside the tool.");
     }
@@ -64,6 +66,10 @@ void addIndexOptions(CLI::App& app, Template_Index& index) {
 void addViewOption(CLI::App& app, std::string& word) {
     addWord(app, "--as", "TYPE", viewWords(), word,
             "The view, in place of the label file's: u16, f32, hex, text, ... or a type's name: INT, REAL, ...");
+}
+
+void addRawOption(CLI::App& app, bool& isRaw) {
+    addFlag(app, "--raw", isRaw, "Values as the bytes have them: no scale, no names of states.");
 }
 
 void addRoundsOption(CLI::App& app, int& rounds) {

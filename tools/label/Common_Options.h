@@ -15,6 +15,7 @@ struct Template_Index;
 struct Common_Options {
     Host_Settings host;
     std::string labelFile;
+    bool strict = false;  // warnings of the label file are errors
     std::string library;  // empty: searched
     std::vector<std::string> traces;
     bool append = false;  // files that exist are continued
@@ -44,6 +45,8 @@ void addLabelArguments(CLI::App& app, std::vector<std::string>& labels);
 void addIndexOptions(CLI::App& app, Template_Index& index);
 // --as: how the bytes are taken instead of the label file's view.
 void addViewOption(CLI::App& app, std::string& word);
+// --raw: values as the bytes have them.
+void addRawOption(CLI::App& app, bool& isRaw);
 void addRoundsOption(CLI::App& app, int& rounds);
 void addIntervalOption(CLI::App& app, int& milliseconds);
 void addNoWaitOption(CLI::App& app, bool& noWait);

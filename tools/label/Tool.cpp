@@ -31,9 +31,18 @@ const Label_File& Tool::labels() {
     if (options.labelFile.empty() && !noLabels.labels.empty()) return noLabels;
     if (options.labelFile.empty())
         throw Tool_Error(Exit_Code::Usage, "no label file: name one with -l FILE, VORNEX_LABELS or vornex.toml");
-    labelFile = std::make_unique<Label_File>(readLabelFile(options.labelFile));
+    labelFile = std::make_unique<Label_File>(readLabels(options.labelFile));
     out.detail("label file " + options.labelFile + ": " + std::to_string(labelFile->labels.size()) + " labels");
     return *labelFile;
+}
+
+Label_File Tool::readLabels(const std::string& path) {
+    Label_File file = readLabelFile(path);
+    for (const std::string& warning : file.warnings) {
+        if (options.strict) throw File_Error(warning);
+        out.warn(warning);
+    }
+    return file;
 }
 
 const Label_File& Tool::labelsIfAny() { return options.labelFile.empty() ? noLabels : labels(); }

@@ -48,6 +48,8 @@ public:
     // Before a session: bare addresses ("@100:INT") among the labels become labels, with a label file or without one.
     // Throws Tool_Error Label for an address or type that is none.
     std::vector<std::string> takeRawLabels(std::vector<std::string> labels);
+    // Another label file. Throws File_Error; what was passed over in it is told, or with --strict a mistake.
+    Label_File readLabels(const std::string& path);
     // The driver, loaded. Throws Tool_Error Library.
     const Driver_Library& driver();
 

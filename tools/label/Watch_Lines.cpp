@@ -13,7 +13,8 @@ void Change_Lines::update(const std::vector<Watched>& all, int) {
         if (!filter.isNews(i, all[i])) continue;
         // The loss of the connection makes all stale at once and is told once.
         if (all[i].freshness == Freshness::Stale && out.format == Output::Format::Text) continue;
-        out.row(watchRow(time, all[i]), time + "  " + assignmentText(all[i].variable, all[i].value));
+        const std::string band = bandOf(formOf(all[i].variable), all[i].raw);
+        out.row(watchRow(time, all[i]), time + "  " + assignmentText(all[i].variable, all[i].value, band));
     }
     out.flush();
 }

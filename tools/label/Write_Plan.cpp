@@ -18,17 +18,36 @@ namespace {
 const std::size_t PiecesInFlight = 4;
 const std::size_t ShownBytes = 32;
 
+void chooseView(const Plan_Options& options, const Assignment& assignment, Variable& variable) {
+    if (variable.bit) return;
+    if (options.isRaw || assignment.isRaw) seeAs(variable, variable.view);
+    // a file that was read names the view that its values have anyway
+    if (assignment.view && *assignment.view != variable.view) seeAs(variable, *assignment.view);
+    if (!options.view.empty()) seeAs(variable, parseViewWord(options.view).value());
+}
+
+// Takes the element's other bits as the controller has them now. False when they could not be read.
+bool takeOtherBits(Session& session, Write_Plan& plan) {
+    std::vector<Span> spans = spansOf({plan.variable}, 1, session.maxBytes());
+    readSpans(session, spans);
+    if (const Span* failed = firstFailure(spans)) {
+        plan.completion = failed->completion;
+        return false;
+    }
+    const auto mask = static_cast<unsigned char>(1u << *plan.variable.bit % 8);
+    const std::size_t place = *plan.variable.bit / 8;
+    const bool isSet = (static_cast<unsigned char>(plan.bytes[place]) & mask) != 0;
+    plan.bytes = session.bytes(plan.variable.range);
+    const auto before = static_cast<unsigned char>(plan.bytes[place]);
+    plan.bytes[place] = static_cast<char>(isSet ? before | mask : before & ~mask);
+    return true;
+}
+
 }  // namespace
 
 const std::size_t LongestPiece = 64000;
 
-Value Write_Plan::value() const { return valueOfRun(variable, view, bytes); }
-
-Variable Write_Plan::shown() const {
-    Variable seen = variable;
-    seen.view = view;
-    return seen;
-}
+Value Write_Plan::value() const { return shownValue(variable, bytes); }
 
 std::vector<Assignment> readRecipe(const std::string& path) {
     return path == "-" ? parseRecipe(wholeUtf8("/dev/stdin"), "standard input") : parseRecipe(wholeUtf8(path), path);
@@ -48,16 +67,16 @@ Write_Plan planOf(Session& session, const Label_File& file, const Plan_Options& 
     } catch (const Host_Error& error) {
         throw Host_Error(error.kind, assignment.place + error.what());
     }
-    const Variable& variable = plan.variable;
+    Variable& variable = plan.variable;
     if (options.toBeWritten && variable.range.code >= 10) {
         throw Tool_Error(Exit_Code::Label, assignment.place + "'" + variable.text + "' has type " +
                                                std::to_string(variable.range.code) +
                                                ", which the driver can read but not write");
     }
-    plan.view = options.view.empty() ? assignment.view.value_or(variable.view) : parseViewWord(options.view).value();
+    chooseView(options, assignment, variable);
     try {
-        plan.bytes = bytesOfValue(variable, plan.view, wholeArray, assignment.value);
-        plan.remark = writeRemark(variable, plan.view, wholeArray, assignment.value, plan.bytes.size());
+        plan.bytes = bytesOfValue(variable, wholeArray, assignment.value);
+        plan.remark = writeRemark(variable, wholeArray, assignment.value, plan.bytes.size());
     } catch (const std::invalid_argument& mistake) {
         throw Tool_Error(Exit_Code::Label, assignment.place + variable.text + ": " + mistake.what());
     }
@@ -90,6 +109,7 @@ void writePlan(Session& session, Output& out, Write_Plan& plan) {
     std::deque<int> tickets;
     std::size_t offset = 0;
     const std::size_t size = plan.bytes.size();
+    if (plan.variable.bit && !takeOtherBits(session, plan)) return;
     plan.completion.state = Completion::State::Good;
     while (offset < size || !tickets.empty()) {
         if (offset < size && tickets.size() < PiecesInFlight) {

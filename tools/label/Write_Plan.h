@@ -14,15 +14,12 @@ namespace vornex {
 
 // One assignment, checked, as controller bytes. Pending: nothing of it has been sent.
 struct Write_Plan {
-    Variable variable;
-    View view = View::U8;
-    std::string bytes;
+    Variable variable;   // with the view that is asked for
+    std::string bytes;   // of a bit: its element, the other bits as they are when it is written
     std::string remark;  // what people may not expect of it
     Completion completion;
 
     Value value() const;
-    // The variable as it is shown under the plan's view.
-    Variable shown() const;
 };
 
 // The assignments of a file; "-" is standard input. Throws File_Error.
@@ -35,6 +32,7 @@ std::vector<Assignment> withRawLabels(Tool& tool, std::vector<Assignment> assign
 struct Plan_Options {
     Template_Index index;
     std::string view;  // before the assignment's own; empty: none
+    bool isRaw = false;
     bool toBeWritten = true;
 };
 
@@ -48,7 +46,8 @@ std::vector<Write_Plan> plansOf(Session& session, const Label_File& file, const 
 int startPiece(Session& session, const Write_Plan& plan, std::size_t offset, std::size_t length);
 // The most that one piece may have.
 extern const std::size_t LongestPiece;
-// Writes one plan and notes how that ended. After the first piece that fails nothing more of it is sent.
+// Writes one plan and notes how that ended; of a bit, the element is read first and written with it changed. After the
+// first piece that fails nothing more of it is sent.
 void writePlan(Session& session, Output& out, Write_Plan& plan);
 
 // What the controller holds in the places of the plans, in their order. Throws Tool_Error for what is not read.

@@ -1,16 +1,17 @@
 #include "labels/Label_Csv.h"
 
+#include <algorithm>
 #include <map>
+#include <set>
 
+#include "labels/Label_Tree.h"
 #include "text/Csv_Table.h"
-#include "text/Json_Tree.h"
+#include "text/Nearest_Word.h"
 #include "text/Number.h"
 #include "text/Text.h"
 
 namespace vornex {
 namespace {
-
-const char* const Columns[] = {"kind", "name", "type", "at", "size", "view", "unit", "sim"};
 
 Json_Node textNode(const Csv_Cell& cell) {
     Json_Node node;
@@ -38,6 +39,8 @@ Json_Node emptyNode(Json_Node::Kind kind, int line) {
 // Turns the rows into the tree that the same label file would have in its own notation.
 class Table_Reader {
 public:
+    std::vector<std::string> warnings;
+
     Table_Reader(const std::string& csvText, const std::string& csvPath)
         : path(csvPath), rows(parseCsv(csvText, csvPath)) {}
 
@@ -58,20 +61,23 @@ public:
 private:
     using Row = std::vector<Csv_Cell>;
 
+    std::string placeOf(const Csv_Cell& cell) const {
+        return path + ":" + std::to_string(cell.line) + ":" + std::to_string(cell.column) + ": ";
+    }
     [[noreturn]] void fail(const Csv_Cell& cell, const std::string& reason) const {
-        throw File_Error(path + ":" + std::to_string(cell.line) + ":" + std::to_string(cell.column) + ": " + reason);
+        throw File_Error(placeOf(cell) + reason);
     }
 
     void readHeading() {
         for (const Csv_Cell& cell : rows[0]) {
             const std::string name = trimmed(cell.text);
-            bool known = name.empty();  // a spreadsheet may leave empty columns behind
-            for (const char* column : Columns)
-                known = known || name == column;
-            if (!known) {
-                fail(cell, "unknown column '" + name + "'; they are kind, name, type, at, size, view, unit and sim");
+            const std::vector<std::string> known = allColumns();
+            if (name.empty()) continue;  // a spreadsheet may leave empty columns behind
+            if (std::find(known.begin(), known.end(), name) == known.end()) {
+                warnings.push_back(placeOf(cell) + "unknown column '" + name + "'" + didYouMean(name, known));
+                continue;
             }
-            if (!name.empty() && !columns.emplace(name, &cell - rows[0].data()).second) {
+            if (!columns.emplace(name, &cell - rows[0].data()).second) {
                 fail(cell, "column '" + name + "' stands twice");
             }
         }
@@ -88,7 +94,8 @@ private:
         }
         Csv_Cell result = row[static_cast<std::size_t>(found->second)];
         const std::string name = column;
-        if (name != "name" && name != "unit" && name != "sim") result.text = trimmed(result.text);
+        const bool isKey = name != "kind" && name != "size";
+        if (!isKey || keyOf(name).kind != Label_Key::Kind::Text) result.text = trimmed(result.text);
         return result;
     }
 
@@ -106,21 +113,22 @@ private:
     }
 
     // No cell of a column that this kind of row has no use for: its text would be lost.
-    void expectEmpty(const Row& row, std::initializer_list<const char*> unused) const {
-        for (const char* column : unused) {
-            const Csv_Cell found = cell(row, column);
-            if (!found.text.empty()) fail(found, "a " + cell(row, "kind").text + " has no '" + column + "'");
+    void expectOnly(const Row& row, const std::set<std::string>& used) const {
+        for (const auto& [column, at] : columns) {
+            const Csv_Cell found = cell(row, column.c_str());
+            if (!used.count(column) && !found.text.empty())
+                fail(found, "a " + cell(row, "kind").text + " has no '" + column + "'");
         }
     }
 
     void readTarget(const Row& row) {
-        expectEmpty(row, {"type", "at", "size", "view", "unit", "sim"});
+        expectOnly(row, {"kind", "name"});
         if (target.line > 0) fail(row[0], "a second target");
         target = textNode(cell(row, "name"));
     }
 
     void readStruct(const Row& row) {
-        expectEmpty(row, {"type", "at", "view", "unit", "sim"});
+        expectOnly(row, {"kind", "name", "size"});
         const Csv_Cell name = cell(row, "name");
         if (!structAt.emplace(name.text, structs.entries.size()).second)
             fail(name, "structure '" + name.text + "' stands twice");
@@ -149,22 +157,59 @@ private:
     }
 
     Json_Node labelNode(const Row& row, const Csv_Cell& name) const {
-        expectEmpty(row, {"size"});
+        const Csv_Cell size = cell(row, "size");
+        if (!size.text.empty()) fail(size, "a " + cell(row, "kind").text + " has no 'size'");
         Json_Node node = emptyNode(Json_Node::Kind::Object, name.line);
-        node.entries.push_back({"name", name.line, textNode(name)});
-        const Csv_Cell type = cell(row, "type");
-        try {
-            parseType(type.text);
-        } catch (const std::invalid_argument& error) {
-            fail(type, error.what());
+        for (const Label_Key& key : labelKeys()) {
+            const Csv_Cell found = key.name == std::string("name") ? name : cell(row, key.name);
+            const bool isNeeded = key.kind == Label_Key::Kind::Type || key.kind == Label_Key::Kind::Address;
+            if (!found.text.empty() || isNeeded || key.name == std::string("name"))
+                node.entries.push_back({key.name, found.line, nodeOf(key, found)});
         }
-        node.entries.push_back({"type", type.line, textNode(type)});
-        node.entries.push_back({"at", name.line, number(row, "at")});
-        const Csv_Cell view = cell(row, "view");
-        if (!view.text.empty() && !parseView(view.text)) fail(view, "unknown view '" + view.text + "'");
-        for (const char* column : {"view", "unit", "sim"}) {
-            const Csv_Cell found = cell(row, column);
-            if (!found.text.empty()) node.entries.push_back({column, found.line, textNode(found)});
+        return node;
+    }
+
+    Json_Node nodeOf(const Label_Key& key, const Csv_Cell& found) const {
+        try {
+            switch (key.kind) {
+                case Label_Key::Kind::Text: break;
+                case Label_Key::Kind::Type: parseType(found.text); break;
+                case Label_Key::Kind::View:
+                    if (!parseView(found.text)) throw std::invalid_argument("unknown view '" + found.text + "'");
+                    break;
+                case Label_Key::Kind::Address:
+                case Label_Key::Kind::Count:
+                    return numberNode(found.line, unsignedNumber(found.text, 0, 0xFFFFFFFF, key.name));
+                case Label_Key::Kind::Number: return realNode(key, found);
+                case Label_Key::Kind::Names: return namesNode(key, found);
+            }
+        } catch (const std::invalid_argument& refusal) {
+            fail(found, refusal.what());
+        }
+        return textNode(found);
+    }
+
+    static Json_Node realNode(const Label_Key& key, const Csv_Cell& found) {
+        if (!readReal<double>(found.text))
+            throw std::invalid_argument(key.name + (" '" + found.text) + "' is not a number");
+        Json_Node node = textNode(found);
+        node.kind = Json_Node::Kind::Real;
+        return node;
+    }
+
+    // "0=off|1=auto"
+    static Json_Node namesNode(const Label_Key& key, const Csv_Cell& found) {
+        Json_Node node = emptyNode(Json_Node::Kind::Object, found.line);
+        for (const std::string& pair : splitTrimmed(found.text, '|')) {
+            const std::size_t equals = pair.find('=');
+            if (equals == std::string::npos)
+                throw std::invalid_argument("'" + pair + "' in " + key.name + " is not LEFT=RIGHT");
+            Csv_Cell right = found;
+            right.text = trimmed(pair.substr(equals + 1));
+            const bool isStates = key.name == std::string("states");
+            const Json_Node value =
+                isStates ? textNode(right) : numberNode(found.line, unsignedNumber(right.text, 0, 63, key.name));
+            node.entries.push_back({trimmed(pair.substr(0, equals)), found.line, value});
         }
         return node;
     }
@@ -188,49 +233,14 @@ private:
     Json_Node labels = emptyNode(Json_Node::Kind::Array, 1);
 };
 
-class Table_Writer {
-public:
-    explicit Table_Writer(char cellSeparator) : separator(cellSeparator) {}
-
-    void row(const std::vector<std::string>& cells) {
-        const char* before = "";
-        const std::string between(1, separator);
-        for (const std::string& cell : cells) {
-            text += before + formatCsvCell(cell, separator);
-            before = between.c_str();
-        }
-        text += '\n';
-    }
-
-    void label(const char* kind, const std::string& owner, const Label& label) {
-        row({kind, owner + label.name, formatType(label.type), std::to_string(label.at), "",
-             label.view == View::Default ? "" : viewName(label.view), label.unit, label.sim});
-    }
-
-    std::string text;
-
-private:
-    const char separator;
-};
-
 }  // namespace
 
 Label_File parseLabelCsv(const std::string& text, const std::string& path) {
-    return labelFileOf(Table_Reader(text, path).tree(), path);
-}
-
-std::string formatLabelCsv(const Label_File& file, char separator) {
-    Table_Writer writer(separator);
-    writer.row({Columns, Columns + sizeof Columns / sizeof *Columns});
-    if (!file.target.empty()) writer.row({"target", file.target, "", "", "", "", "", ""});
-    for (const auto& [name, type] : file.structs) {
-        writer.row({"struct", name, "", "", std::to_string(type.size), "", "", ""});
-        for (const Label& member : type.members)
-            writer.label("member", name + ".", member);
-    }
-    for (const Label& label : file.labels)
-        writer.label("label", "", label);
-    return writer.text;
+    Table_Reader reader(text, path);
+    const Json_Node tree = reader.tree();
+    Label_File file = labelFileOf(tree, path);
+    file.warnings.insert(file.warnings.begin(), reader.warnings.begin(), reader.warnings.end());
+    return file;
 }
 
 }  // namespace vornex

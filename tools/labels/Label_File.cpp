@@ -6,6 +6,7 @@
 #include <set>
 
 #include "labels/Label_Csv.h"
+#include "labels/Label_Tree.h"
 #include "text/Host_Port.h"
 #include "text/Json_Tree.h"
 #include "text/Nearest_Word.h"
@@ -20,128 +21,14 @@ constexpr std::uint64_t AddressSpace = std::uint64_t(1) << 32;
 constexpr int NestingLimit = 32;                // structures within structures; bounds every recursion over them
 constexpr std::uint64_t MemberLimit = 1000000;  // with structures spelled out; bounds what nesting multiplies
 
-// What a message is about: the file and, inside it, a label, a structure or a member.
-struct Place {
-    std::string path;
-    std::string subject;  // "label 'Speed': ", or empty
-
-    [[noreturn]] void fail(int line, const std::string& reason) const {
-        throw File_Error(path + ":" + std::to_string(line) + ": " + subject + reason);
-    }
-    Place about(const char* kind, const std::string& name) const {
-        return {path, std::string(kind) + " '" + name + "': "};
-    }
-};
-
-void checkKeys(const Place& place, const Json_Node& object, std::initializer_list<const char*> known) {
-    for (const Json_Entry& entry : object.entries) {
-        bool found = false;
-        for (const char* key : known)
-            found = found || entry.key == key;
-        if (!found) place.fail(entry.line, "unknown key \"" + entry.key + "\"");
-    }
-}
-
-void requireKind(const Place& place, const Json_Node& node, Json_Node::Kind kind, const std::string& what) {
-    if (node.kind != kind) place.fail(node.line, what + " is " + kindName(node.kind) + ", not " + kindName(kind));
-}
-
-const Json_Entry& requireKey(const Place& place, const Json_Node& object, const char* key) {
-    const Json_Entry* entry = object.find(key);
-    if (!entry) place.fail(object.line, std::string("the key \"") + key + "\" is missing");
-    return *entry;
-}
-
-std::string textOf(const Place& place, const Json_Entry& entry) {
-    requireKind(place, entry.value, Json_Node::Kind::String, "\"" + entry.key + "\"");
-    if (hasControl(entry.value.text)) place.fail(entry.line, "\"" + entry.key + "\" holds a control character");
-    return entry.value.text;
-}
-
-std::string optionalText(const Place& place, const Json_Node& object, const char* key) {
-    const Json_Entry* entry = object.find(key);
-    return entry ? textOf(place, *entry) : std::string();
-}
-
-std::uint32_t numberOf(const Place& place, const Json_Entry& entry, std::int64_t lowest) {
-    std::int64_t value = entry.value.integer;
-    bool isWhole = entry.value.kind == Json_Node::Kind::Integer;
-    if (entry.value.kind == Json_Node::Kind::String) {  // JSON has no hexadecimal numbers
-        try {
-            value = static_cast<std::int64_t>(unsignedNumber(entry.value.text, 0, AddressSpace - 1));
-            isWhole = true;
-        } catch (const std::invalid_argument&) {
-        }
-    }
-    if (!isWhole || value < lowest || value >= std::int64_t(AddressSpace)) {
-        place.fail(entry.line, "\"" + entry.key + "\" is not a whole number from " + std::to_string(lowest) +
-                                   " to 4294967295, such as 100 or \"0x64\"");
-    }
-    return static_cast<std::uint32_t>(value);
-}
-
-// Characters that label texts give a meaning of their own: such a name could never be reached.
-void checkName(const Place& place, int line, const std::string& name) {
-    if (name.empty()) place.fail(line, "the name is empty");
-    if (hasControl(name)) place.fail(line, "the name holds a control character");
-    if (name.find_first_of(".[]") != std::string::npos || name.find("%%") != std::string::npos) {
-        place.fail(line, "a name cannot hold '.', '[', ']' or '%%'");
-    }
-    if (name == "@memory") place.fail(line, "'@memory' stands for bare memory in the tools' own requests");
-}
-
-void readType(const Place& place, const Json_Node& object, Label& label) {
-    const Json_Entry& entry = requireKey(place, object, "type");
-    try {
-        label.type = parseType(textOf(place, entry));
-    } catch (const std::invalid_argument& error) {
-        place.fail(entry.line, error.what());
-    }
-}
-
-void readView(const Place& place, const Json_Node& object, Label& label) {
-    const Json_Entry* entry = object.find("view");
-    if (!entry) return;
-    const std::string text = textOf(place, *entry);
-    const std::optional<View> view = parseView(text);
-    if (!view) place.fail(entry->line, "unknown view '" + text + "'; it is one of " + joined(viewNames()));
-    label.view = *view;
-    if (label.type.code == 12) place.fail(entry->line, "a structure has no view; its members have");
-    const std::uint32_t bytes = elementBytes(Label_File(), label.type);
-    const std::uint32_t width = viewEntry(*view).width;
-    if (width > bytes) {
-        place.fail(entry->line, "view " + text + " needs " + std::to_string(width) + " bytes, an element has " +
-                                    std::to_string(bytes));
-    }
-}
-
-Label readLabel(const Place& where, const char* kind, const std::string& owner, const Json_Node& object) {
-    requireKind(where, object, Json_Node::Kind::Object, kind);
-    const Json_Entry& nameEntry = requireKey(where, object, "name");
-    Label label;
-    label.line = object.line;
-    label.name = textOf(where, nameEntry);
-    const Place place = where.about(kind, owner + label.name);
-    checkName(place, nameEntry.line, label.name);
-    checkKeys(place, object, {"name", "type", "at", "view", "unit", "sim"});
-    readType(place, object, label);
-    label.at = numberOf(place, requireKey(place, object, "at"), 0);
-    readView(place, object, label);
-    label.unit = optionalText(place, object, "unit");
-    label.sim = optionalText(place, object, "sim");
-    if (label.type.code == 12 && !label.sim.empty()) {
-        place.fail(object.find("sim")->line, "a structure does not move by itself; its members do");
-    }
-    return label;
-}
-
-std::vector<Label> readLabels(const Place& where, const char* kind, const std::string& owner, const Json_Entry& list) {
+std::vector<Label> readLabels(const Place& where, const char* kind, const std::string& owner, const Json_Entry& list,
+                              Label_File& file) {
     requireKind(where, list.value, Json_Node::Kind::Array, "\"" + list.key + "\"");
     std::vector<Label> labels;
     labels.reserve(list.value.entries.size());
     std::set<std::string> names;
     for (const Json_Entry& entry : list.value.entries) {
-        labels.push_back(readLabel(where, kind, owner, entry.value));
+        labels.push_back(readLabel(where, kind, owner, entry.value, file));
         const Label& label = labels.back();
         if (!names.insert(label.name).second) {
             where.about(kind, owner + label.name).fail(label.line, "the name is used twice");
@@ -150,18 +37,18 @@ std::vector<Label> readLabels(const Place& where, const char* kind, const std::s
     return labels;
 }
 
-Struct_Type readStruct(const Place& file, const Json_Entry& entry) {
-    const Place place = file.about("structure", entry.key);
+Struct_Type readStruct(const Place& where, const Json_Entry& entry, Label_File& file) {
+    const Place place = where.about("structure", entry.key);
     requireKind(place, entry.value, Json_Node::Kind::Object, "it");
     checkName(place, entry.line, entry.key);
     const std::string problem = structNameProblem(entry.key);
     if (!problem.empty()) place.fail(entry.line, problem);
-    checkKeys(place, entry.value, {"size", "members"});
+    checkKeys(place, entry.value, {"size", "members"}, file);
     Struct_Type type;
     type.name = entry.key;
     type.line = entry.line;
     type.size = numberOf(place, requireKey(place, entry.value, "size"), 1);
-    type.members = readLabels(place, "member", entry.key + ".", requireKey(place, entry.value, "members"));
+    type.members = readLabels(place, "member", entry.key + ".", requireKey(place, entry.value, "members"), file);
     return type;
 }
 
@@ -258,23 +145,80 @@ void readTarget(const Place& place, const Json_Node& root, Label_File& file) {
 
 }  // namespace
 
+void checkKeys(const Place& place, const Json_Node& object, const std::vector<std::string>& known, Label_File& file) {
+    for (const Json_Entry& entry : object.entries) {
+        if (std::find(known.begin(), known.end(), entry.key) != known.end()) continue;
+        file.warnings.push_back(
+            place.told(entry.line, "unknown key \"" + entry.key + "\"" + didYouMean(entry.key, known)));
+    }
+}
+
+void requireKind(const Place& place, const Json_Node& node, Json_Node::Kind kind, const std::string& what) {
+    if (node.kind != kind) place.fail(node.line, what + " is " + kindName(node.kind) + ", not " + kindName(kind));
+}
+
+const Json_Entry& requireKey(const Place& place, const Json_Node& object, const char* key) {
+    const Json_Entry* entry = object.find(key);
+    if (!entry) place.fail(object.line, std::string("the key \"") + key + "\" is missing");
+    return *entry;
+}
+
+std::string textOf(const Place& place, const Json_Entry& entry) {
+    requireKind(place, entry.value, Json_Node::Kind::String, "\"" + entry.key + "\"");
+    if (hasControl(entry.value.text)) place.fail(entry.line, "\"" + entry.key + "\" holds a control character");
+    return entry.value.text;
+}
+
+std::string optionalText(const Place& place, const Json_Node& object, const char* key) {
+    const Json_Entry* entry = object.find(key);
+    if (!entry) return "";
+    return textOf(place, *entry);
+}
+
+std::uint32_t numberOf(const Place& place, const Json_Entry& entry, std::int64_t lowest) {
+    std::int64_t value = entry.value.integer;
+    bool isWhole = entry.value.kind == Json_Node::Kind::Integer;
+    if (entry.value.kind == Json_Node::Kind::String) {  // JSON has no hexadecimal numbers
+        try {
+            value = static_cast<std::int64_t>(unsignedNumber(entry.value.text, 0, AddressSpace - 1));
+            isWhole = true;
+        } catch (const std::invalid_argument&) {
+        }
+    }
+    if (!isWhole || value < lowest || value >= std::int64_t(AddressSpace)) {
+        place.fail(entry.line, "\"" + entry.key + "\" is not a whole number from " + std::to_string(lowest) +
+                                   " to 4294967295, such as 100 or \"0x64\"");
+    }
+    return static_cast<std::uint32_t>(value);
+}
+
+// Characters that label texts give a meaning of their own: such a name could never be reached.
+void checkName(const Place& place, int line, const std::string& name) {
+    if (name.empty()) place.fail(line, "the name is empty");
+    if (hasControl(name)) place.fail(line, "the name holds a control character");
+    if (name.find_first_of(".[]") != std::string::npos || name.find("%%") != std::string::npos) {
+        place.fail(line, "a name cannot hold '.', '[', ']' or '%%'");
+    }
+    if (name == "@memory") place.fail(line, "'@memory' stands for bare memory in the tools' own requests");
+}
+
 Label_File labelFileOf(const Json_Node& root, const std::string& path) {
     const Place place = {path, ""};
     requireKind(place, root, Json_Node::Kind::Object, "the file");
-    checkKeys(place, root, {"format", "target", "structs", "labels"});
     const Json_Entry& format = requireKey(place, root, "format");
     if (format.value.kind != Json_Node::Kind::Integer || format.value.integer != 1) {
         place.fail(format.line, "the format is not 1, the only one known");
     }
     Label_File file;
     file.path = path;
+    checkKeys(place, root, {"format", "target", "structs", "labels"}, file);
     readTarget(place, root, file);
     if (const Json_Entry* structs = root.find("structs")) {
         requireKind(place, structs->value, Json_Node::Kind::Object, "\"structs\"");
         for (const Json_Entry& entry : structs->value.entries)
-            file.structs[entry.key] = readStruct(place, entry);
+            file.structs[entry.key] = readStruct(place, entry, file);
     }
-    file.labels = readLabels(place, "label", "", requireKey(place, root, "labels"));
+    file.labels = readLabels(place, "label", "", requireKey(place, root, "labels"), file);
     checkWhole(file, place);
     return file;
 }

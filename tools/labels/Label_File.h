@@ -7,26 +7,27 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "labels/Label_Type.h"
+#include "labels/Meaning.h"
 #include "text/Text_Input.h"
 
 namespace vornex {
-
-struct Json_Node;
 
 struct Label {
     std::string name;
     Type_Ref type;
     std::uint32_t at = 0;  // label: byte address; member: byte offset in its structure
     View view = View::Default;
-    std::string unit;
+    std::shared_ptr<const Meaning> meaning;  // null: none; meaningOf() gives an empty one then
     std::string sim;  // how the simulator moves the value, e.g. "ramp(0,3000,500)"; labels and members
     int line = 0;     // where it stands in the file, counted from 1; 0: unknown
 };
+const Meaning& meaningOf(const Label& label);
 
 struct Struct_Type {
     std::string name;
@@ -40,20 +41,18 @@ struct Label_File {
     std::string target;  // "host:port", may be empty
     std::map<std::string, Struct_Type> structs;
     std::vector<Label> labels;
+    std::vector<std::string> warnings;  // what was passed over: "FILE:LINE: label 'NAME': unknown key ..."
 };
 
-// Reads and checks a whole file (JSON with // and /* */ comments). Throws File_Error for the first mistake: syntax,
-// unknown keys, missing keys, unknown types, views and structures, structures that contain themselves, bounds upside
-// down, radix outside 2 to 36, addresses beyond 32 bits, duplicate names, members outside their structure, structures
-// that multiply to more than a million members.
-// A file whose name ends in .csv is read as Label_Csv.h describes.
+// Reads and checks a whole file (JSON with // and /* */ comments). Unknown keys are warned of. Throws File_Error for
+// the first mistake: syntax, missing keys, values and meanings that make no sense, unknown types, views and structures,
+// structures that contain themselves, bounds upside down, radix outside 2 to 36, addresses beyond 32 bits, duplicate
+// names, members outside their structure, structures that multiply to more than a million members. A file whose name
+// ends in .csv is read as Label_Csv.h describes.
 bool isCsvName(const std::string& path);
 Label_File readLabelFile(const std::string& path);
 // The same for text in memory that was read from `path`.
 Label_File parseLabels(const std::string& text, const std::string& path);
-// The one place where a label file is checked: of the tree of a JSON file, or one of the same shape made from another
-// notation, whose lines are those of the messages.
-Label_File labelFileOf(const Json_Node& root, const std::string& path);
 // The same for JSON in memory; `path` is only for messages.
 Label_File parseLabelFile(const std::string& text, const std::string& path);
 

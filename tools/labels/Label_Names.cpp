@@ -11,7 +11,8 @@ const std::uint32_t LongestElement = 255;  // type codes 10 and 11
 Label_Names::Label_Names(const Label_File& file) {
     forEachLeaf(file, [this](const Leaf& leaf) {
         tooManyElements = entries.size() == MostElementsHeld;
-        if (!tooManyElements) entries.push_back({leaf.address, leaf.bytes, leaf.view, leaf.text});
+        if (!tooManyElements)
+            entries.push_back({leaf.address, leaf.bytes, leaf.view, leaf.text, leaf.definition->meaning});
         return !tooManyElements;
     });
     if (tooManyElements) entries = {};

@@ -2,6 +2,7 @@
 #ifndef VORNEX_LABELS_LABEL_NAMES_H
 #define VORNEX_LABELS_LABEL_NAMES_H
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ public:
         std::uint32_t bytes = 0;
         View view = View::Default;  // never Default
         std::string text;
+        std::shared_ptr<const Meaning> meaning;
     };
 
     Label_Names() = default;

@@ -5,6 +5,7 @@
 #include "text/Hex.h"
 #include "text/Number.h"
 #include "text/Text.h"
+#include "values/Shown_Value.h"
 #include "values/Value_Codec.h"
 
 namespace vornex::sim {
@@ -43,7 +44,8 @@ std::string get(std::string rest, Controller& controller, double now) {
         return "ok " + hexBytes(controller.plant.peek(parseAddress(what), bytes, now));
     }
     const Leaf leaf = findLabel(controller, what);
-    return "ok " + typedText(leaf.view, valueOf(leaf.view, controller.plant.peek(leaf.address, leaf.bytes, now)));
+    const Value value = shownOf(Value_Form(leaf), controller.plant.peek(leaf.address, leaf.bytes, now));
+    return "ok " + typedText(leaf.view, value);
 }
 
 void store(Controller& controller, std::uint32_t address, const std::string& bytes, double now) {
@@ -58,8 +60,8 @@ std::string set(std::string rest, Controller& controller, double now) {
         return "ok";
     }
     const Leaf leaf = findLabel(controller, what);
-    store(controller, leaf.address, bytesOf(leaf.view, leaf.bytes, rest), now);
-    const std::string remark = inexactRemark(leaf.view, rest);
+    store(controller, leaf.address, bytesOfShown(Value_Form(leaf), rest), now);
+    const std::string remark = inexactRemark(Value_Form(leaf), rest);
     return remark.empty() ? "ok" : "ok, " + remark;
 }
 

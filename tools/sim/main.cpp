@@ -158,6 +158,8 @@ int runSimulator(int argc, char** argv) {
         if (const std::optional<int> code = readOptions(argc, argv, options)) return *code;
         Log_Writer writer(options);
         const Label_File labels = options.labels.empty() ? Label_File() : readLabelFile(options.labels);
+        for (const std::string& warning : labels.warnings)
+            std::cerr << "vornex-sim: warning: " << warning << "\n";
         return serve(options, labels, writer);
     } catch (const File_Error& error) {
         tellMistake(error.what());

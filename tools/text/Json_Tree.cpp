@@ -16,9 +16,10 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t LongestWord = 60;     // of what a message quotes
-constexpr std::size_t DepthLimit = 16;      // a label file needs 5
-constexpr std::size_t NodeLimit = 2000000;  // some 300,000 labels; a node takes a hundred times the memory of a digit
+constexpr std::size_t LongestWord = 60;  // of what a message quotes
+constexpr std::size_t DepthLimit = 16;   // a label file needs 5
+constexpr std::size_t NodeLimit =
+    4000000;  // 200,000 labels with every key; a node takes a hundred times the memory of a digit
 
 // Counts lines while the parser reads, because the parser tells positions only of errors.
 class Line_Iterator {
@@ -87,8 +88,9 @@ public:
     bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception& error) override {
         // the parser's text begins with a tag and the line, which ours says already
         const std::string text = error.what();
-        const std::size_t column = text.find("column ");
-        std::vector<std::string> words = split(column == std::string::npos ? text : text.substr(column), ' ');
+        const std::size_t tag = text.find("] "), column = text.find("column ");
+        const std::size_t begin = column != std::string::npos ? column : tag == std::string::npos ? 0 : tag + 2;
+        std::vector<std::string> words = split(text.substr(begin), ' ');
         for (std::string& word : words)
             word = cutTo(word, LongestWord);
         fail(joined(words, " "));
@@ -117,7 +119,7 @@ private:
     // Puts a new node where the document stands. Only the innermost open node grows, and none of the nodes it holds is
     // open, so the pointers in the stack stay good.
     Json_Node& place(Json_Node::Kind kind) {
-        if (++nodes > NodeLimit) fail("more than two million values");
+        if (++nodes > NodeLimit) fail("more than four million values");
         Json_Node* node = &root;
         if (!stack.empty()) {
             stack.back()->entries.push_back({nextKey, nextKey.empty() ? *line : nextKeyLine, {}});

@@ -54,7 +54,14 @@ Comparison parseComparison(const std::string& text) {
     return comparison;
 }
 
-void checkComparison(const Comparison& comparison, View view) {
+void fitComparison(Comparison& comparison, const Value_Form& form) {
+    const View view = form.view;
+    if (form.changes() && !form.meaning->states.empty()) {
+        comparison.ofRaw = true;
+        comparison.operand = rawText(form, comparison.operand);
+        if (form.meaning->scale.value_or(1) < 0 && comparison.sign[0] != '=' && comparison.sign[0] != '!')
+            comparison.sign[0] = comparison.sign[0] == '<' ? '>' : '<';
+    }
     const bool isText = view == View::Text || view == View::Bytes;
     const bool isEquality = comparison.sign == "==" || comparison.sign == "!=";
     const std::string what = "'" + comparison.subject + "' is shown as " + viewName(view);

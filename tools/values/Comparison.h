@@ -5,8 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "labels/Views.h"
-#include "values/Value.h"
+#include "values/Shown_Value.h"
 
 namespace vornex {
 
@@ -15,6 +14,7 @@ struct Comparison {
     std::string subject;  // a label, a counter
     std::string sign;     // one of > >= < <= == !=
     std::string operand;
+    bool ofRaw = false;  // raw values are compared, not shown ones
 
     // Numbers are compared as numbers, whole ones to the last digit, true and on as 1; == and != compare everything
     // else as text. An unknown value meets nothing.
@@ -23,8 +23,9 @@ struct Comparison {
 
 // "SUBJECT SIGN OPERAND", = for == as well. Throws std::invalid_argument with the reason.
 Comparison parseComparison(const std::string& text);
-// Throws std::invalid_argument when values of the view cannot be compared so: a number with a word, a text by size.
-void checkComparison(const Comparison& comparison, View view);
+// Makes the comparison one of values of this form: where they have states, by name or number, raw values are compared.
+// Throws std::invalid_argument when they cannot be compared so: a number with a word, a text by size.
+void fitComparison(Comparison& comparison, const Value_Form& form);
 
 // The value as a number: true is 1, "0x1F" is 31. Nothing when it is none.
 std::optional<double> numberOf(const Value& value);

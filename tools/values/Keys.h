@@ -17,6 +17,9 @@ inline constexpr Key controller{"controller", "which one, when there are several
 inline constexpr Key label{"label", "label text"};
 inline constexpr Key value{"value", "the value under the view: number, true or false, text, or a list of them"};
 inline constexpr Key expected{"expected", "the value that a file holds"};
+inline constexpr Key raw{"raw", "the same before scale and states, as the bytes have it"};
+inline constexpr Key band{"band", "low or high when the value is outside what the label file calls normal"};
+inline constexpr Key description{"description", "as in the label file"};
 inline constexpr Key unit{"unit", "as in the label file"};
 inline constexpr Key view{"view", "how the bytes are seen: u16, f32, ..."};
 inline constexpr Key state{"state", "fresh, stale (from before the connection was lost) or unknown (never came)"};

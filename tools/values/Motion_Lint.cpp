@@ -17,7 +17,8 @@ void lintList(const Label_File& file, const std::vector<Label>& labels, const st
             findings.push_back({severity, "sim", label.line, owner + label.name, text});
         };
         try {
-            const Motion motion = parseMotion(label.sim, viewOf(label), elementBytes(file, label.type));
+            const Motion motion =
+                parseMotion(label.sim, {viewOf(label), elementBytes(file, label.type), label.meaning});
             if (!motion.remark.empty()) add(Severity::Warning, motion.remark);
         } catch (const std::invalid_argument& refusal) {
             add(Severity::Error, refusal.what());

@@ -1,5 +1,6 @@
 #include "values/Named_Values.h"
 
+#include "values/Shown_Value.h"
 #include "values/Value_Codec.h"
 
 namespace vornex {
@@ -17,7 +18,8 @@ std::string namedValues(const Label_Names& names, std::uint32_t address, std::ui
         const bool whole = entry.address >= address && entry.address - address + entry.bytes <= length;
         text += (text.empty() ? "" : ", ") + entry.text + (whole ? "" : " (in part)");
         if (!whole || data.size() < length) continue;
-        text += " = " + typedText(entry.view, valueOf(entry.view, data.substr(entry.address - address, entry.bytes)));
+        text += " = " + typedText(entry.view, shownOf({entry.view, entry.bytes, entry.meaning},
+                                                      data.substr(entry.address - address, entry.bytes)));
     }
     return found.size() > ValuesTold ? text + ", ... " + std::to_string(found.size() - ValuesTold) + " more" : text;
 }

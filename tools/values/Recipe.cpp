@@ -15,12 +15,15 @@ namespace vornex {
 
 namespace {
 
+// The view that `read --raw` tells of a label whose values would be shown otherwise.
+const std::string RawView = "raw";
+
 [[noreturn]] void refuse(const std::string& path, int line, const std::string& reason) {
     throw File_Error(path + ":" + std::to_string(line) + ": " + reason);
 }
 
 std::optional<View> viewNamed(const std::string& name, const std::string& path, int line) {
-    if (name.empty()) return std::nullopt;
+    if (name.empty() || name == RawView) return std::nullopt;
     const std::optional<View> view = parseViewWord(name);
     if (!view) refuse(path, line, "unknown view '" + name + "'");
     return view;
@@ -55,6 +58,7 @@ Assignment ofObject(const Json_Node& object, const std::string& path) {
     const Json_Entry* const value = object.find("value");
     if (assignment.label.empty() || !value) refuse(path, object.line, "an object without label and value");
     assignment.view = viewNamed(textOf("view"), path, object.line);
+    assignment.isRaw = textOf("view") == RawView;
     assignment.value = typedText(assignment.view.value_or(View::Default), valueOfNode(value->value, path));
     assignment.place = path + ":" + std::to_string(value->line) + ": ";
     return assignment;
@@ -101,6 +105,7 @@ std::vector<Assignment> ofTable(const std::vector<std::vector<Csv_Cell>>& rows, 
         if (rows[i].size() <= std::max(label, value)) refuse(path, line, "a row without label and value");
         if (cell(state) == "unknown") refuse(path, line, "no value: it was not known");
         Assignment assignment{cell(label), cell(value), viewNamed(cell(view), path, line)};
+        assignment.isRaw = cell(view) == RawView;
         const bool isList = !assignment.value.empty() && assignment.value.front() == '[';
         if (assignment.view == View::Text && !isList) assignment.value = typedText(View::Text, assignment.value);
         assignment.place = path + ":" + std::to_string(line) + ": ";

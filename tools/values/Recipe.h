@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "labels/Views.h"
+#include "labels/Label_Type.h"
 #include "text/Text_Input.h"
 
 namespace vornex {
@@ -15,6 +15,7 @@ struct Assignment {
     std::string label;
     std::string value;         // as it is typed
     std::optional<View> view;  // that the value is seen under; nothing: the label's own
+    bool isRaw = false;        // the value is as the bytes have it, not as it is shown
     std::string place = {};    // "recipe.csv:7: ", for messages
 };
 

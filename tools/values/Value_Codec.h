@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "labels/Views.h"
+#include "labels/Label_Type.h"
 #include "values/Value.h"
 
 namespace vornex {

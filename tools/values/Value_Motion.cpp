@@ -63,13 +63,23 @@ void setArguments(Motion& motion, const std::vector<double>& given) {
     }
 }
 
-void checkMotion(const Motion& motion, View view, std::uint32_t bytes) {
+// From shown values to raw ones; those of a toggle are 0 and 1 as they are.
+void makeRaw(Motion& motion, const Value_Form& form) {
+    if (motion.kind == Motion::Kind::Toggle) return;
+    const bool isCount = motion.kind == Motion::Kind::Count;
+    motion.high = isCount ? rawNumber(form, motion.low + motion.high) : rawNumber(form, motion.high);
+    motion.low = rawNumber(form, motion.low);
+    if (isCount) motion.high -= motion.low;
+}
+
+void checkMotion(Motion& motion, const Value_Form& form) {
     if (!(motion.period >= 1)) throw std::invalid_argument("a time is at least 1 ms");
     if (motion.kind != Motion::Kind::Count && motion.low > motion.high) {
         throw std::invalid_argument("the low value is above the high value");
     }
-    checkNumber(view, bytes, motion.low);
-    if (motion.kind != Motion::Kind::Count) checkNumber(view, bytes, motion.high);
+    makeRaw(motion, form);
+    checkNumber(form.view, form.bytes, motion.low);
+    if (motion.kind != Motion::Kind::Count) checkNumber(form.view, form.bytes, motion.high);
 }
 
 // 0 up to, not including, 1.
@@ -106,7 +116,7 @@ std::optional<Leaf> forEachMotion(const Label_File& file, const std::function<vo
     return beyond;
 }
 
-Motion parseMotion(const std::string& text, View view, std::uint32_t bytes) {
+Motion parseMotion(const std::string& text, const Value_Form& form) {
     const std::size_t open = text.find('(');
     if (open == std::string::npos || text.back() != ')') {
         throw std::invalid_argument("motion '" + text + "' is not NAME(ARGUMENTS)");
@@ -116,12 +126,12 @@ Motion parseMotion(const std::string& text, View view, std::uint32_t bytes) {
     Motion motion;
     motion.kind = name.kind;
     if (name.kind == Motion::Kind::Const) {
-        const std::string value = view == View::Text ? inner : trimmed(inner);
-        motion.bytes = bytesOf(view, bytes, value);
-        motion.remark = inexactRemark(view, value);
+        const std::string value = form.view == View::Text ? inner : trimmed(inner);
+        motion.bytes = bytesOfShown(form, value);
+        motion.remark = inexactRemark(form, value);
         return motion;
     }
-    if (view == View::Text) throw std::invalid_argument("a text cannot move, only be const(TEXT)");
+    if (form.view == View::Text) throw std::invalid_argument("a text cannot move, only be const(TEXT)");
     const std::vector<std::string> texts = splitTrimmed(inner, ',');
     if (texts.size() < name.fewest || texts.size() > name.most) {
         throw std::invalid_argument("motion '" + text + "' is not " + name.form);
@@ -131,7 +141,7 @@ Motion parseMotion(const std::string& text, View view, std::uint32_t bytes) {
     for (const std::string& argument : texts)
         numbers.push_back(realNumber(argument));
     setArguments(motion, numbers);
-    checkMotion(motion, view, bytes);
+    checkMotion(motion, form);
     return motion;
 }
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "labels/Label_File.h"
+#include "values/Shown_Value.h"
 
 namespace vornex {
 
@@ -24,9 +24,9 @@ struct Motion {
 // What may stand in "sim", for help texts.
 extern const char* const MotionHelp;
 
-// Reads "ramp(0,3000,500)" for an element of this view and size. Throws std::invalid_argument with the reason, also
-// when the values do not fit the view.
-Motion parseMotion(const std::string& text, View view, std::uint32_t bytes);
+// Reads "ramp(0,3000,500)" for an element of this form; its values are shown ones, those of the motion are raw. Throws
+// std::invalid_argument with the reason, also when the values do not fit the view.
+Motion parseMotion(const std::string& text, const Value_Form& form);
 
 // Calls `take` for every element with a motion, in the order of the file, as far as the simulator takes them: up to a
 // million. The first one beyond, if there is one.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "host/Variable_Value.h"
 #include "text/Text.h"
 
 namespace vornex {
@@ -29,8 +30,9 @@ using Cells = std::array<std::string, Columns.size()>;
 
 Cells cellsOf(const Watched& watched, Wall_Time now) {
     const bool known = watched.freshness != Freshness::Unknown;
+    const std::string band = bandOf(formOf(watched.variable), watched.raw);
     return {watched.variable.text,
-            watched.value.shown(),
+            watched.value.shown() + (band.empty() ? "" : " " + band),
             watched.variable.unit,
             freshnessName(watched.freshness),
             known ? ageText(now - watched.seen) : "",

@@ -5,6 +5,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "host/Variable_Value.h"
 #include "text/Number.h"
 #include "values/Comparison.h"
 
@@ -60,8 +61,12 @@ std::string fields(const Value& value) {
 std::string influxLine(const std::string& controller, const Watched& watched, Wall_Time now) {
     if (watched.freshness != Freshness::Fresh || watched.value.kind == Value::Kind::Null) return "";
     const Variable& variable = watched.variable;
+    // a state by its name has its number beside it
+    const bool isNamed = watched.value.kind == Value::Kind::Text && watched.raw.kind == Value::Kind::Number;
+    const std::string text =
+        isNamed ? fields(watched.raw) + "," + textField(watched.value.text) : fields(watched.value);
     return "vornex" + tag("controller", controller) + tag("label", variable.text) + tag("unit", variable.unit) + " " +
-           fields(watched.value) + " " + nanosecondsText(now) + "\n";
+           text + " " + nanosecondsText(now) + "\n";
 }
 
 }  // namespace
@@ -69,7 +74,8 @@ std::string influxLine(const std::string& controller, const Watched& watched, Wa
 Row watchRow(const std::string& time, const Watched& watched) {
     Row row;
     row.add(key::time, time).add(key::label, watched.variable.text).add(key::value, watched.value);
-    row.add(key::unit, watched.variable.unit).add(key::state, freshnessName(watched.freshness));
+    row.add(key::raw, watched.raw).add(key::unit, watched.variable.unit);
+    row.add(key::band, bandOf(formOf(watched.variable), watched.raw)).add(key::state, freshnessName(watched.freshness));
     return row;
 }
 

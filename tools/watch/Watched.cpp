@@ -1,6 +1,6 @@
 #include "watch/Watched.h"
 
-#include "values/Value_Codec.h"
+#include "host/Variable_Value.h"
 
 namespace vornex {
 
@@ -10,9 +10,12 @@ void refresh(const Session& session, std::vector<Watched>& all) {
         watched.freshness = session.freshness(variable.address, variable.bytes);
         if (watched.freshness == Freshness::Unknown) continue;
         if (watched.freshness == Freshness::Fresh) watched.seen = std::chrono::system_clock::now();
-        Value value = valueOf(variable.view, session.bytes(variable.range));
-        if (watched.value.kind != Value::Kind::Null && value != watched.value) ++watched.changes;
-        watched.value = std::move(value);
+        Value raw = rawValue(variable, session.bytes(variable.range));
+        const bool isKnown = watched.raw.kind != Value::Kind::Null;
+        if (isKnown && raw == watched.raw) continue;
+        if (isKnown) ++watched.changes;
+        watched.value = shownValue(formOf(variable), raw);
+        watched.raw = std::move(raw);
     }
 }
 

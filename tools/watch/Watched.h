@@ -15,7 +15,8 @@ namespace vornex {
 // The value is the last one that a reply brought, null before the first.
 struct Watched {
     Variable variable;
-    Value value;
+    Value value;  // as it is shown
+    Value raw;    // as the bytes have it
     Freshness freshness = Freshness::Unknown;
     std::uint64_t changes = 0;
     Wall_Time seen{};  // when it was fresh last

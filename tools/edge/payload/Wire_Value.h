@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "edge/payload/Payload.h"
-#include "labels/Views.h"
+#include "labels/Label_Type.h"
 #include "values/Value.h"
 
 namespace vornex::edge {

@@ -17,7 +17,7 @@ namespace {
 
 // The file that an argument names, or that of -l.
 Label_File fileOf(Tool& tool, const std::string& argument) {
-    return argument.empty() ? tool.labels() : readLabelFile(argument);
+    return argument.empty() ? tool.labels() : tool.readLabels(argument);
 }
 
 // Comments have no place in a table; whoever wrote some shall know.
@@ -72,7 +72,7 @@ Exit_Code runConvert(Tool& tool, const Convert_Options& options) {
     return Exit_Code::Ok;
 }
 
-Exit_Code runLint(Tool& tool, const std::string& argument, std::uint64_t memoryEnd, bool strict) {
+Exit_Code runLint(Tool& tool, const std::string& argument, std::uint64_t memoryEnd) {
     const Label_File file = fileOf(tool, argument);
     std::size_t errors = 0;
     std::vector<Lint_Finding> findings = lintLabels(file, memoryEnd);
@@ -82,7 +82,7 @@ Exit_Code runLint(Tool& tool, const std::string& argument, std::uint64_t memoryE
                      [](const Lint_Finding& a, const Lint_Finding& b) { return a.line < b.line; });
     for (const Lint_Finding& finding : findings) {
         const std::string severity = severityName(finding.severity);
-        if (strict || finding.severity == Lint_Finding::Severity::Error) ++errors;
+        if (tool.options.strict || finding.severity == Lint_Finding::Severity::Error) ++errors;
         Row row;
         row.add(key::file, file.path)
             .add(key::line, finding.line)
@@ -121,7 +121,7 @@ void addConvert(Verbs& verbs, CLI::App& group) {
         "Reads a label file or a CSV table and writes the other, or what OUTPUT's ending (.json or .csv) or --to says. "
         "Nothing "
         "but comments is lost either way. A table has one row per label, structure and member, with the "
-        "columns kind, name, type, at, size, view, unit and sim; cells are separated by , or ; and mistakes "
+        "columns kind, size and the keys of labels; cells are separated by , or ; and mistakes "
         "are told with line and column.\n\n"
         "Every verb takes a CSV table for -l as well.",
         {{"labels convert plant.json plant.csv --separator ';' --bom",
@@ -142,7 +142,6 @@ void addLint(Verbs& verbs, CLI::App& group) {
     struct Options {
         std::string file;
         std::optional<std::uint64_t> end;
-        bool strict = false;
     };
     const auto given = std::make_shared<Options>();
     const Page page = {
@@ -151,17 +150,15 @@ void addLint(Verbs& verbs, CLI::App& group) {
         "of the controller's memory, names that differ in upper and lower case alone, views of another width "
         "than their element, labels too large for one read, and motions that the simulator refuses. Exit code 2 when "
         "an error is found; warnings "
-        "alone end with 0.",
+        "alone end with 0, with --strict they fail as errors do.",
         {{"labels lint plant.json", "What is doubtful in a file."},
          {"labels lint plant.json --end 0x10000", "The controller has 64 KiB."},
          {"labels lint plant.csv --strict -q", "For a build: any finding fails."}}};
-    CLI::App& verb = verbs.addTo(group, "lint", page, UsesLabels, [given](Tool& tool) {
-        return runLint(tool, given->file, given->end.value_or(0), given->strict);
-    });
+    CLI::App& verb = verbs.addTo(group, "lint", page, UsesLabels,
+                                 [given](Tool& tool) { return runLint(tool, given->file, given->end.value_or(0)); });
     addArgument(verb, "FILE", given->file, "A label file; without it that of -l.", Need::May);
     addNumber(verb, "--end", "ADDRESS", given->end, 1, std::uint64_t(1) << 32,
               "One past the controller's last byte, decimal or 0x.");
-    addFlag(verb, "--strict", given->strict, "Warnings fail as errors do.");
 }
 
 void addNames(Verbs& verbs, CLI::App& group) {

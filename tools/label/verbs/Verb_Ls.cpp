@@ -41,6 +41,7 @@ public:
 private:
     void printNode(const Tree_Node& node) {
         const Label& label = *node.label;
+        const Meaning& meaning = meaningOf(label);
         const std::uint64_t bytes = node.elements * elementBytes(file, label.type);
         const std::string type = typeName(label.type), view = viewWord(label);
         Row row;
@@ -48,13 +49,16 @@ private:
         row.add(key::label, node.path).add(key::type, type).add(key::view, view);
         row.add(key::address, node.address).add(key::bytes, bytes).add(key::elements, node.elements);
         row.add(key::elementBytes, elementBytes(file, label.type))
-            .add(key::unit, label.unit)
-            .add(key::depth, node.depth);
+            .add(key::unit, meaning.unit)
+            .add(key::depth, node.depth)
+            .add(key::description, meaning.description);
         std::string line = padded(std::string(2 * node.depth, ' ') + node.name, width) + "  " +
                            padded(type, typeWidth) + "  " + padded(view, 5) +
                            padded(std::to_string(node.address), 9, Align::Right) +
                            padded(std::to_string(bytes), 10, Align::Right);
-        tool.out.row(row, label.unit.empty() ? line : line + "  " + label.unit);
+        const std::string words = meaning.unit.empty() || meaning.description.empty() ? "" : "  ";
+        const std::string behind = meaning.unit + words + meaning.description;
+        tool.out.row(row, behind.empty() ? line : line + "  " + behind);
     }
 
     Tool& tool;
@@ -65,7 +69,7 @@ private:
 };
 
 void printElement(Tool& tool, const Leaf& leaf, std::size_t width) {
-    const std::string& unit = leaf.definition->unit;
+    const std::string& unit = meaningOf(*leaf.definition).unit;
     const std::string type = elementName(leaf.definition->type);
     Row row;
     row.add(key::label, leaf.text).add(key::type, type).add(key::view, viewName(leaf.view));

@@ -17,11 +17,13 @@ struct Read_Options {
     Template_Index index;
     std::string view;
     bool hex = false;
+    bool raw = false;
 };
 
-View chosenView(const Read_Options& options, const Variable& variable) {
-    if (options.hex) return View::Hex;
-    return options.view.empty() ? variable.view : parseViewWord(options.view).value();
+void chooseView(const Read_Options& options, Variable& variable) {
+    if (options.raw) seeAs(variable, variable.view);
+    if (!options.view.empty()) seeAs(variable, parseViewWord(options.view).value());
+    if (options.hex) seeAs(variable, View::Hex);
 }
 
 void checkCount(const Variable& variable, std::uint32_t count) {
@@ -31,11 +33,11 @@ void checkCount(const Variable& variable, std::uint32_t count) {
 }
 
 // A view that was asked for shows values, or nothing is read at all.
-void checkView(const Variable& variable, View view, std::uint32_t bytes) {
-    const std::uint32_t width = viewEntry(view).width;
+void checkView(const Variable& variable, std::uint32_t bytes) {
+    const std::uint32_t width = viewEntry(variable.view).width;
     if (width == 0 || bytes % width == 0) return;
-    throw Tool_Error(Exit_Code::Usage, "view " + viewName(view) + " takes " + std::to_string(width) + " bytes, '" +
-                                           variable.text + "' gives " + std::to_string(bytes) +
+    throw Tool_Error(Exit_Code::Usage, "view " + viewName(variable.view) + " takes " + std::to_string(width) +
+                                           " bytes, '" + variable.text + "' gives " + std::to_string(bytes) +
                                            ": choose -c or another view");
 }
 
@@ -45,21 +47,22 @@ bool show(Session& session, Output& out, const Read_Options& options, const Vari
     run.bytes *= static_cast<std::uint32_t>(options.count);
     // A connection lost later in the run takes nothing from what it delivered before.
     const bool known = session.freshness(variable.address, run.bytes) != Freshness::Unknown;
-    const View view = chosenView(options, variable);
     const std::string bytes = known ? session.bytes(run) : std::string();
-    const Value value = known ? valueOfRun(variable, view, bytes) : Value();
+    const Value raw = known ? rawValue(variable, bytes) : Value();
+    const Value value = shownValue(formOf(variable), raw);
+    const std::string band = bandOf(formOf(variable), raw);
     Row row;
     row.add(key::time, out.time(std::chrono::system_clock::now()))
         .add(key::label, variable.text)
         .add(key::value, value)
+        .add(key::raw, raw)
         .add(key::unit, variable.unit)
-        .add(key::view, viewName(view));
+        .add(key::band, band)
+        .add(key::view, options.raw && formOf(variable).meaning ? "raw" : viewName(variable.view));
     row.add(key::address, variable.address)
         .add(key::data, hexBytes(bytes))
         .add(key::state, known ? "fresh" : "unknown");
-    Variable shown = variable;
-    shown.view = view;
-    out.row(row, assignmentText(shown, value));
+    out.row(row, assignmentText(variable, value, band));
     return known;
 }
 
@@ -68,11 +71,12 @@ Exit_Code read(Tool& tool, const Read_Options& options) {
     const std::vector<std::string> labels = tool.takeRawLabels(options.labels);
     Online online(tool);
     Session& session = online.session;
-    const std::vector<Variable> variables = findVariables(session, tool.labels(), labels, options.index);
+    std::vector<Variable> variables = findVariables(session, tool.labels(), labels, options.index);
     const auto count = static_cast<std::uint32_t>(options.count);
-    for (const Variable& variable : variables) {
+    for (Variable& variable : variables) {
         checkCount(variable, count);
-        if (!options.view.empty()) checkView(variable, chosenView(options, variable), count * variable.bytes);
+        if (!variable.bit) chooseView(options, variable);
+        if (!options.view.empty()) checkView(variable, count * variable.bytes);
     }
     online.connect();
     std::vector<Span> spans = spansOf(variables, count, session.maxBytes());
@@ -105,6 +109,7 @@ void addReadVerb(Verbs& verbs) {
     addIndexOptions(verb, own->index);
     addViewOption(verb, own->view);
     addFlag(verb, "--hex", own->hex, "The same as --as hex.");
+    addRawOption(verb, own->raw);
 }
 
 }  // namespace vornex

@@ -37,7 +37,7 @@ std::string recipeText(const Session& session, const std::vector<Variable>& vari
     std::string text;
     for (const Variable& variable : variables) {
         const std::string bytes = session.bytes(variable.range);
-        const Value value = valueOfRun(variable, variable.view, bytes);
+        const Value value = shownValue(variable, bytes);
         Row row;
         row.add(key::time, time).add(key::label, variable.text).add(key::value, value).add(key::unit, variable.unit);
         row.add(key::view, viewName(variable.view)).add(key::address, variable.address);
@@ -97,14 +97,14 @@ Exit_Code compare(Tool& tool, const Compare_Options& options) {
     std::size_t different = 0;
     for (std::size_t i = 0; i < plans.size(); ++i) {
         const Write_Plan& plan = plans[i];
-        const Value expected = plan.value(), value = valueOfRun(plan.variable, plan.view, found[i]);
+        const Value expected = plan.value(), value = shownValue(plan.variable, found[i]);
         if (value == expected) continue;
         if (different++ == 0) tool.out.text(padded("LABEL", 32) + " " + padded("FILE", 20) + " CONTROLLER");
         Row row;
         row.add(key::label, plan.variable.text).add(key::expected, expected).add(key::value, value);
         row.add(key::unit, plan.variable.unit).add(key::address, plan.variable.address);
-        tool.out.row(row, padded(plan.variable.text, 32) + " " + padded(typedText(plan.view, expected), 20) + " " +
-                              typedText(plan.view, value));
+        tool.out.row(row, padded(plan.variable.text, 32) + " " + padded(typedText(plan.variable.view, expected), 20) +
+                              " " + typedText(plan.variable.view, value));
     }
     tool.out.note(std::to_string(different) + " of " + std::to_string(plans.size()) + " values differ");
     return different == 0 ? Exit_Code::Ok : Exit_Code::VerifyMismatch;

@@ -24,6 +24,7 @@ struct Watch_Options {
     int interval = 200;
     Template_Index index;
     bool table = false;
+    bool raw = false;
     std::string csv;
     std::string until;
     double deadband = 0;
@@ -85,6 +86,7 @@ void Watch::chooseVariables() {
         }
     }
     for (Variable& variable : findVariables(online.session, tool.labels(), labels, options.index)) {
+        if (options.raw && !variable.bit) seeAs(variable, variable.view);
         Watched watched;
         watched.variable = std::move(variable);
         all.push_back(std::move(watched));
@@ -93,8 +95,9 @@ void Watch::chooseVariables() {
     bool wholeArray = false;
     Watched watched;
     watched.variable = findVariable(online.session, tool.labels(), condition.subject, options.index, wholeArray);
+    if (options.raw && !watched.variable.bit) seeAs(watched.variable, watched.variable.view);
     try {
-        checkComparison(condition, watched.variable.view);
+        fitComparison(condition, formOf(watched.variable));
     } catch (const std::invalid_argument& mistake) {
         throw Tool_Error(Exit_Code::Usage, std::string("--until: ") + mistake.what());
     }
@@ -192,7 +195,7 @@ void Watch::tell(const Watch_News& news) {
 
 bool Watch::conditionMet() const {
     return !condition.subject.empty() && all[conditionAt].freshness == Freshness::Fresh &&
-           condition.metBy(all[conditionAt].value);
+           condition.metBy(condition.ofRaw ? all[conditionAt].raw : all[conditionAt].value);
 }
 
 Exit_Code Watch::end() {
@@ -281,6 +284,7 @@ void addWatchVerb(Verbs& verbs) {
     addText(verb, "--rotate", "WHEN", own->rotate, "A new file each hour or day (1h, 1d), or at a size (50M).");
     addNumber(verb, "--keep", "N", own->keep, 0, 1000000, "Keep the newest N of these files; 0: all.");
     addNoWaitOption(verb, own->noWait);
+    addRawOption(verb, own->raw);
     addIndexOptions(verb, own->index);
 }
 

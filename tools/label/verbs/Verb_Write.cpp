@@ -25,10 +25,11 @@ struct Write_Options {
 void show(Output& out, const Write_Plan& plan, const std::string& result) {
     const Value value = plan.value();
     Row row;
-    row.add(key::label, plan.variable.text).add(key::value, value).add(key::unit, plan.variable.unit);
+    row.add(key::label, plan.variable.text).add(key::value, value).add(key::raw, rawValue(plan.variable, plan.bytes));
+    row.add(key::unit, plan.variable.unit);
     row.add(key::address, plan.variable.address).add(key::data, hexBytes(plan.bytes)).add(key::result, result);
     const std::string text =
-        isLong(plan.bytes) ? plan.variable.text + " = " + shortHex(plan.bytes) : assignmentText(plan.shown(), value);
+        isLong(plan.bytes) ? plan.variable.text + " = " + shortHex(plan.bytes) : assignmentText(plan.variable, value);
     out.row(row, text + "  " + result);
 }
 
@@ -38,7 +39,8 @@ bool verify(Session& session, Output& out, const std::vector<const Write_Plan*>&
     bool same = true;
     for (std::size_t i = 0; i < written.size(); ++i) {
         const Write_Plan& plan = *written[i];
-        const bool isSame = found[i] == plan.bytes;
+        const bool isBit = plan.variable.bit.has_value();
+        const bool isSame = isBit ? rawValue(plan.variable, found[i]) == plan.value() : found[i] == plan.bytes;
         show(out, plan, isSame ? "verified" : "acknowledged, but reads back different");
         if (isSame) continue;
         same = false;
@@ -50,6 +52,10 @@ bool verify(Session& session, Output& out, const std::vector<const Write_Plan*>&
 // Shows what would be sent: the driver builds the frames, each answered by an acknowledgement of zeros, whose check
 // value is right.
 void dryRun(Session& session, Output& out, const Write_Plan& plan) {
+    if (plan.variable.bit) {
+        return out.note(plan.variable.text + ": a bit; its " + std::to_string(plan.variable.bytes) + " bytes at " +
+                        std::to_string(plan.variable.address) + " are read, changed and written");
+    }
     for (std::size_t offset = 0; offset < plan.bytes.size(); offset += LongestPiece) {
         startPiece(session, plan, offset, std::min(LongestPiece, plan.bytes.size() - offset));
     }
@@ -118,7 +124,7 @@ void tellRest(Output& out, const Write_Options& options, const std::vector<Write
               " were not tried");
 }
 
-Exit_Code write(Tool& tool, const Write_Options& options) {
+Exit_Code write(Tool& tool, Write_Options options) {
     const std::vector<Assignment> assignments = withRawLabels(tool, assignmentsOf(options));
     Online online(tool);
     Session& session = online.session;
@@ -131,6 +137,12 @@ Exit_Code write(Tool& tool, const Write_Options& options) {
         for (const Write_Plan& plan : plans)
             dryRun(session, tool.out, plan);
         return Exit_Code::Ok;
+    }
+    if (std::any_of(plans.begin(), plans.end(), [](const Write_Plan& plan) { return plan.variable.bit.has_value(); })) {
+        options.verify = true;
+        tool.out.note(
+            "a bit is written with its element: what the controller changes in the other bits between the "
+            "read and the write is lost");
     }
     online.connect();
     writeAll(session, tool.out, options, plans);
@@ -178,6 +190,7 @@ void addWriteVerb(Verbs& verbs) {
     addFlag(verb, "--dry-run", own->dryRun, "Show address, bytes and frame; send nothing.");
     addFlag(verb, "--keep-going", own->keepGoing, "Go on with the others after a write that fails.");
     addViewOption(verb, own->plan.view);
+    addRawOption(verb, own->plan.isRaw);
     addIndexOptions(verb, own->plan.index);
 }
 

@@ -6,6 +6,7 @@
 
 #include "text/Number.h"
 #include "text/Text.h"
+#include "values/Shown_Value.h"
 #include "values/Value_Codec.h"
 
 namespace vornex::sim {
@@ -55,7 +56,7 @@ void Plant::store(const Leaf& leaf, const std::string& bytes) {
 void Plant::addMotion(const Leaf& leaf, std::uint64_t element) {
     Motion motion;
     try {
-        motion = parseMotion(leaf.definition->sim, leaf.view, leaf.bytes);
+        motion = parseMotion(leaf.definition->sim, Value_Form(leaf));
     } catch (const std::invalid_argument& error) {
         throw File_Error(placeOf(leaf) + error.what());
     }
