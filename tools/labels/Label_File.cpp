@@ -211,7 +211,7 @@ Label_File labelFileOf(const Json_Node& root, const std::string& path) {
     }
     Label_File file;
     file.path = path;
-    checkKeys(place, root, {"format", "target", "structs", "labels"}, file);
+    checkKeys(place, root, {"$schema", "format", "target", "structs", "labels"}, file);
     readTarget(place, root, file);
     if (const Json_Entry* structs = root.find("structs")) {
         requireKind(place, structs->value, Json_Node::Kind::Object, "\"structs\"");

@@ -99,7 +99,8 @@ private:
 
     int decimalsOf(const Json_Entry& entry) const {
         const std::uint32_t decimals = numberOf(place, entry, 0);
-        if (decimals > MostDecimals) place.fail(entry.line, "\"decimals\" is not a whole number from 0 to 17");
+        if (decimals > MostDecimals || entry.value.kind != Json_Node::Kind::Integer)
+            place.fail(entry.line, "\"decimals\" is not a whole number from 0 to 17");
         return static_cast<int>(decimals);
     }
 
