@@ -31,7 +31,7 @@ class Settings_Error : public std::invalid_argument {
 
 struct Setting {
     std::string value;
-    std::string origin;  // "command line", "VORNEX_LABELS", "/work/vornex.toml:3"
+    std::string origin;  // "command line", "VORNEX_LABELS", "/srv/line3/vornex.toml:3"
 };
 using Named_Settings = std::map<std::string, Setting>;  // by the option's name without hyphens
 
