@@ -2,9 +2,10 @@
 # Runs every command of the ```sh blocks in docs/tools.md in this one shell, in order, as somebody who pastes one block
 # after the other, in a folder that holds what the recipes name. A command ends with 0, or with the N of its trailing
 # "# exit N", and a block leaves no program behind. A port that is free here stands for 2000.
-#   recipes_test.sh REPOSITORY LABEL_TOOL SIMULATOR WORK_DIR
+# Below an emulator a tool cannot start itself once more: the commands for several controllers are then left out.
+#   recipes_test.sh REPOSITORY LABEL_TOOL SIMULATOR WORK_DIR native|emulated
 set -u
-repository=$1 work=$4 PATH=$(dirname "$2"):$(dirname "$3"):$PATH
+repository=$1 work=$4 platform=$5 PATH=$(dirname "$2"):$(dirname "$3"):$PATH
 rm -rf "$work" && mkdir -p "$work/share" && cd "$work" || exit 1
 cp -r "$repository/examples" . && cp -r "$repository/share/wireshark" share/ || exit 1
 export WIRESHARK_CONFIG_DIR="$work" LC_ALL=C.UTF-8
@@ -31,6 +32,12 @@ while IFS= read -r line <&3; do
         continue
     fi
     expected=$(printf %s "$line" | sed -n 's/.*  # exit \([0-9]*\)$/\1/p')
+    case $platform:$line in
+    emulated:vornex-label*' -t '*,*)
+        echo "left out below the emulator: $line"
+        continue
+        ;;
+    esac
     runs=$((runs + 1))
     eval "$line" >"$work/out.$runs" 2>&1 </dev/null
     status=$?

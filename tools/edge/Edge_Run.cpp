@@ -38,8 +38,8 @@ Edge_Run::Edge_Run(const Run_Settings& runSettings, Session& controllerSession, 
     for (std::size_t i = 0; i < settings.node.metrics.size(); ++i)
         byName.emplace(settings.node.metrics[i].name, i);
     const Store_Counts& counts = store.counts();
-    if (counts.records > 0) tell(std::to_string(counts.records) + " records of values wait to be sent");
-    if (counts.tornBytes > 0) tell(std::to_string(counts.tornBytes) + " bytes of the store were no whole record");
+    if (counts.records > 0) tellOthers(std::to_string(counts.records) + " records of values wait to be sent");
+    if (counts.tornBytes > 0) tellOthers(std::to_string(counts.tornBytes) + " bytes of the store were no whole record");
 }
 
 void Edge_Run::run() {

@@ -14,8 +14,24 @@ namespace {
 
 enum class Exit_Code { Ok = 0, Usage = 1, Label = 2, Library = 6, State = 8 };
 
-Wait_Point* stopped = nullptr;
-void stopWaiting(int) { stopped->stop(); }
+// SIGTERM and SIGINT end the waits while this lives; later ones are too late to matter.
+class Stop_Signals {
+public:
+    explicit Stop_Signals(Wait_Point& waiting) {
+        stopped = &waiting;
+        set([](int) { stopped->stop(); });
+    }
+    ~Stop_Signals() { set(SIG_IGN); }
+    Stop_Signals(const Stop_Signals&) = delete;
+    Stop_Signals& operator=(const Stop_Signals&) = delete;
+
+private:
+    static void set(void (*handler)(int)) {
+        std::signal(SIGTERM, handler);
+        std::signal(SIGINT, handler);
+    }
+    static inline Wait_Point* stopped = nullptr;
+};
 
 // A message that nobody takes is not waited for.
 void tellOnError(const std::string& words) {
@@ -84,9 +100,7 @@ Exit_Code serve(const Edge_Options& options) {
         return Exit_Code::Ok;
     }
     Wait_Point waiting;
-    stopped = &waiting;
-    std::signal(SIGTERM, stopWaiting);
-    std::signal(SIGINT, stopWaiting);
+    const Stop_Signals signals(waiting);
     const auto tell = [&options](const std::string& words) {
         if (!options.quiet) tellOnError(words);
     };

@@ -14,14 +14,13 @@ constexpr std::uint32_t MostDecimals = 17;  // a double has no more digits
 
 double realOf(const Place& place, const Json_Entry& entry) {
     if (entry.value.kind == Json_Node::Kind::Integer) return static_cast<double>(entry.value.integer);
-    if (entry.value.kind == Json_Node::Kind::Real) {
-        try {
-            return realNumber(entry.value.text) + 0.0;  // -0 is 0
-        } catch (const std::invalid_argument& mistake) {
-            place.fail(entry.line, "\"" + entry.key + "\" " + mistake.what());
-        }
+    std::string reason = std::string("is ") + kindName(entry.value.kind) + ", not a number";
+    try {
+        if (entry.value.kind == Json_Node::Kind::Real) return realNumber(entry.value.text) + 0.0;  // -0 is 0
+    } catch (const std::invalid_argument& mistake) {
+        reason = mistake.what();
     }
-    place.fail(entry.line, "\"" + entry.key + "\" is " + kindName(entry.value.kind) + ", not a number");
+    place.fail(entry.line, "\"" + entry.key + "\" " + reason);
 }
 
 // {"0": "off", "1": "auto"}

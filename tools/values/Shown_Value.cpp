@@ -115,8 +115,9 @@ double judgedNumber(Value_Form form, const Value& raw) {
 
 std::string wholeText(const Value_Form& form, const std::string& typed, double raw) {
     const double rounded = std::round(raw);
-    if (rounded >= -0x1p63 && rounded < 0x1p63) return std::to_string(static_cast<std::int64_t>(rounded));
-    if (rounded > 0 && rounded < 0x1p64) return std::to_string(static_cast<std::uint64_t>(rounded));
+    const double past = std::ldexp(1, 63);  // the first number beyond the signed ones
+    if (rounded >= -past && rounded < past) return std::to_string(static_cast<std::int64_t>(rounded));
+    if (rounded > 0 && rounded < 2 * past) return std::to_string(static_cast<std::uint64_t>(rounded));
     refuseRange(form, typed);
 }
 
