@@ -78,6 +78,7 @@ CLI::ConfigItem itemOf(const std::string& line, const std::string& place) {
 
 std::vector<std::string> settingNames() {
     std::vector<std::string> names;
+    names.reserve(std::size(Names));
     for (const Setting_Name& entry : Names)
         names.push_back(entry.name);
     return names;
@@ -136,10 +137,8 @@ void Defaults::readLine(std::string line, int number, std::string& section) {
     const CLI::ConfigItem item = itemOf(line, place);
     const Setting_Name* const entry = item.parents.empty() ? entryOf(item.name) : nullptr;
     if (!entry) {
-        std::vector<std::string> names;
-        for (const Setting_Name& known : Names)
-            names.push_back(known.name);
-        throw Settings_Error(place + "'" + item.fullname() + "' cannot be set" + didYouMean(item.fullname(), names));
+        throw Settings_Error(place + "'" + item.fullname() + "' cannot be set" +
+                             didYouMean(item.fullname(), settingNames()));
     }
     Setting setting{joined(item.inputs, ","), file + ":" + std::to_string(number)};
     if (setting.value.empty()) throw Settings_Error(place + "'" + item.name + "' has no value");

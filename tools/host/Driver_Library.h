@@ -31,7 +31,7 @@ namespace vornex {
 
 // The entry points, with types and contracts of Entry_Points.h.
 struct Driver_Entry_Points {
-#define VORNEX_SLOT(name) decltype(&::name) name = nullptr;
+#define VORNEX_SLOT(name) decltype(&::name) name = nullptr;  // NOLINT(bugprone-macro-parentheses): it declares
     VORNEX_EACH_ENTRY_POINT(VORNEX_SLOT)
 #undef VORNEX_SLOT
 };

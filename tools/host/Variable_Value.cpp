@@ -84,7 +84,7 @@ Value shownValue(const Variable& variable, const std::string& bytes) {
 }
 
 std::string bytesOfValue(const Variable& variable, bool wholeArray, const std::string& text) {
-    const std::string bytes = typedBytes(variable, wholeArray, text);
+    std::string bytes = typedBytes(variable, wholeArray, text);
     // under another view and for a bit as well: the limits are the label's
     if (!variable.bit) checkLimits({variable.ownView, variable.bytes, variable.meaning}, bytes);
     return bytes;
@@ -98,7 +98,7 @@ std::string writeRemark(const Variable& variable, bool wholeArray, const std::st
                " of the array become 0";
     }
     const bool isFile = !text.empty() && text.front() == '@';
-    const std::string inexact = isFile || variable.bit ? "" : inexactRemark(formOf(variable), text);
+    std::string inexact = isFile || variable.bit ? "" : inexactRemark(formOf(variable), text);
     const std::size_t elements = bytesWritten / variable.bytes;
     if (!wholeArray || elements >= variable.elements) return inexact;
     return std::to_string(elements) + " of " + std::to_string(variable.elements) +

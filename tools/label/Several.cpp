@@ -119,6 +119,7 @@ void join(Tool& tool, std::deque<Child>& children, const std::atomic<bool>& inte
     std::optional<Clock::time_point> deadline;
     for (;;) {
         std::vector<pollfd> waiting;
+        waiting.reserve(children.size());
         for (const Child& child : children) {
             waiting.push_back({child.descriptor(), POLLIN, 0});  // a negative one is passed over
         }

@@ -24,6 +24,7 @@ std::uint64_t bytesCovered(std::vector<Variable> variables) {
 Workload startPolling(Tool& tool, Session& session, const Polled_Labels& polled) {
     const std::vector<Variable> variables = findVariables(session, tool.labels(), polled.labels, polled.index);
     std::vector<Label_Range> ranges;
+    ranges.reserve(variables.size());
     for (const Variable& variable : variables)
         ranges.push_back(variable.range);
     Workload work;

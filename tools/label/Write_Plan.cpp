@@ -86,10 +86,12 @@ Write_Plan planOf(Session& session, const Label_File& file, const Plan_Options& 
 std::vector<Write_Plan> plansOf(Session& session, const Label_File& file, const Plan_Options& options,
                                 const std::vector<Assignment>& assignments) {
     std::vector<std::string> labels;
-    std::vector<Write_Plan> plans;
+    labels.reserve(assignments.size());
     for (const Assignment& assignment : assignments)
         labels.push_back(assignment.label);
     requireTemplate(labels, options.index);
+    std::vector<Write_Plan> plans;
+    plans.reserve(assignments.size());
     for (const Assignment& assignment : assignments)
         plans.push_back(planOf(session, file, options, assignment));
     return plans;

@@ -50,6 +50,7 @@ struct Segment {
 
 std::string suggestion(const std::vector<Label>& labels, const std::string& name) {
     std::vector<std::string> names;
+    names.reserve(labels.size());
     for (const Label& label : labels)
         names.push_back(label.name);
     return didYouMean(name, names);
@@ -207,7 +208,7 @@ std::optional<Label_Problem> explainLabel(const Label_File& file, const std::str
 std::optional<Label_Problem> explainPath(const Label_File& file, const std::string& text,
                                          std::vector<Path_Step>& steps) {
     Walk walk(file, text, Walk::What::Path);
-    const std::optional<Label_Problem> problem = walk.run();
+    std::optional<Label_Problem> problem = walk.run();
     steps = walk.steps;
     return problem;
 }

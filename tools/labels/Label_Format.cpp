@@ -108,7 +108,7 @@ std::string labelCell(const Label& label, const Label_Key& key) {
     if (name == "sim") return label.sim;
     std::string cell;
     for (const auto& [left, right] : namedPairs(label, key))
-        cell += (cell.empty() ? "" : "|") + left + "=" + right;
+        cell.append(cell.empty() ? "" : "|").append(left).append("=").append(right);
     return cell;
 }
 
@@ -165,6 +165,7 @@ std::string formatLabelCsv(const Label_File& file, char separator) {
     writer.row(columns);
     const auto plain = [&](std::map<std::string, std::string> cells) {
         std::vector<std::string> row;
+        row.reserve(columns.size());
         for (const std::string& column : columns)
             row.push_back(cells[column]);
         writer.row(row);

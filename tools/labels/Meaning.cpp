@@ -83,6 +83,7 @@ const Named_Number* findNumber(const std::vector<Named_Number>& all, std::int64_
 
 std::vector<std::string> namesOf(const std::vector<Named_Number>& all) {
     std::vector<std::string> names;
+    names.reserve(all.size());
     for (const Named_Number& one : all)
         names.push_back(one.name);
     return names;

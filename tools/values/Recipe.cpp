@@ -158,9 +158,9 @@ std::vector<Assignment> parseRecipe(const std::string& text, const std::string& 
     if (start == std::string::npos) throw File_Error(path + ": holds no values");
     const std::string rest = text.substr(mark);
     const bool isJson = text[start] == '{' || text[start] == '[';
-    const std::vector<Assignment> recipe = isJson          ? ofJson(rest, path)
-                                           : isTable(rest) ? ofTable(parseCsv(text, path), path)
-                                                           : ofLines(rest, path);
+    std::vector<Assignment> recipe = isJson          ? ofJson(rest, path)
+                                     : isTable(rest) ? ofTable(parseCsv(text, path), path)
+                                                     : ofLines(rest, path);
     std::map<std::string, std::string> places;
     for (const Assignment& assignment : recipe) {
         const auto [first, isNew] = places.emplace(assignment.label, assignment.place);

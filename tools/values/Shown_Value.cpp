@@ -88,7 +88,7 @@ std::string scaledText(const Value_Form& form, const std::string& plain) {
         }
     }
     for (int digits = 1; digits <= MostDigits; ++digits) {
-        const std::string text = withDigits(number, digits);
+        std::string text = withDigits(number, digits);
         if (leadsBack(form, text, plain)) return text;
     }
     return "";
@@ -208,7 +208,7 @@ Value shownOf(const Value_Form& form, const std::string& bytes) { return shownVa
 
 std::string bytesOfShown(const Value_Form& form, const std::string& typed) {
     if (!typed.empty() && typed.front() == '[' && form.meaning) {
-        const std::string bytes = bytesOfShownList(form, typed);
+        std::string bytes = bytesOfShownList(form, typed);
         if (bytes.size() == form.bytes) return bytes;
     }
     return bytesOf(form.view, form.bytes, rawText(form, typed));
@@ -226,13 +226,13 @@ std::string inexactRemark(const Value_Form& form, const std::string& typed) {
     if (!form.meaning || typed.empty()) return inexactRemark(form.view, typed);
     for (const std::string& item : typed.front() == '[' ? itemsOfList(typed) : std::vector<std::string>{typed}) {
         const std::string raw = rawText(form, item);
-        const std::string remark = form.changes() ? "" : inexactRemark(form.view, raw);
+        std::string remark = form.changes() ? "" : inexactRemark(form.view, raw);
         if (!remark.empty()) return remark;
         if (!form.changes() || !readReal<double>(item)) continue;
         const std::string stored = shownOf(form, bytesOf(form.view, widthOf(form), raw)).shown();
         const std::optional<double> number = readReal<double>(stored);
         if (number && *number != *readReal<double>(item))
-            return "'" + item + "' is stored as " + stored + ", the nearest";
+            return std::string("'").append(item).append("' is stored as ").append(stored).append(", the nearest");
     }
     return "";
 }
@@ -255,7 +255,7 @@ void checkLimits(const Value_Form& form, const std::string& bytes) {
 std::string bandOf(const Value_Form& form, const Value& raw) {
     if (!form.meaning || (!form.meaning->low && !form.meaning->high) || raw.kind == Value::Kind::Null) return "";
     for (const Value& item : raw.items) {
-        const std::string band = bandOf(form, item);
+        std::string band = bandOf(form, item);
         if (!band.empty()) return band;
     }
     if (raw.kind == Value::Kind::List) return "";

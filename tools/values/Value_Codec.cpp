@@ -229,7 +229,7 @@ std::string bytesOf(View view, std::size_t size, const std::string& text) {
     if (size % width != 0) throw std::invalid_argument(words);
     const std::string needed = words + ": write a list of " + std::to_string(size / width) + " values";
     if (text.empty() || text.front() != '[') throw std::invalid_argument(needed);
-    const std::string bytes = bytesOfList(view, size, text);
+    std::string bytes = bytesOfList(view, size, text);
     if (bytes.size() != size) throw std::invalid_argument(needed);
     return bytes;
 }
@@ -242,8 +242,8 @@ std::string inexactRemark(View view, const std::string& text) {
         if (typed.find_first_of("nN") != std::string::npos) continue;  // inf, nan
         const std::string stored = oneValue(view, oneValueBytes(view, width, typed)).text;
         if (sameNumber(typed, stored)) continue;
-        return "'" + typed + "' is stored as " + stored + ", the nearest number that " + std::to_string(width) +
-               " bytes hold";
+        return std::string("'").append(typed).append("' is stored as ").append(stored) + ", the nearest number that " +
+               std::to_string(width) + " bytes hold";
     }
     return "";
 }

@@ -51,7 +51,7 @@ std::string fields(const Value& value) {
     if (value.kind == Value::Kind::Bool) return "bool=" + value.text;
     const std::optional<double> number = numberOf(value);
     if (!number || !std::isfinite(*number)) return textField(value.shown());
-    const std::string text = "value=" + shortestNumber(*number);
+    std::string text = "value=" + shortestNumber(*number);
     if (std::fabs(*number) < LargestExact || value.kind != Value::Kind::Number) return text;
     const std::optional<std::string> integer = largeInteger(value.text);
     if (integer) return text + ",integer=" + *integer;

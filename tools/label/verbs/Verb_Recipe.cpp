@@ -90,6 +90,7 @@ Exit_Code compare(Tool& tool, const Compare_Options& options) {
     planOptions.toBeWritten = false;
     const std::vector<Write_Plan> plans = plansOf(online.session, tool.labels(), planOptions, recipe);
     std::vector<const Write_Plan*> all;
+    all.reserve(plans.size());
     for (const Write_Plan& plan : plans)
         all.push_back(&plan);
     online.connect();
