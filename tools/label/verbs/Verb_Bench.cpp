@@ -1,5 +1,6 @@
 // vornex-label bench
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -88,15 +89,6 @@ void showTrial(Output& out, const Trial& trial) {
 }
 
 // The most rounds a second; of those that are as fast, the one with the fewest bytes on the wire.
-const Trial& bestOf(const std::vector<Trial>& trials, double fastest) {
-    const Trial* best = nullptr;
-    for (const Trial& trial : trials) {
-        if (trial.roundsPerSecond() < NearlyAsMany * fastest) continue;
-        if (!best || trial.trafficPerRound() < best->trafficPerRound()) best = &trial;
-    }
-    return *best;
-}
-
 void recommend(Output& out, std::vector<Trial> trials) {
     const auto isBad = [](const Trial& trial) { return !trial.isSound(); };
     trials.erase(std::remove_if(trials.begin(), trials.end(), isBad), trials.end());
@@ -104,10 +96,13 @@ void recommend(Output& out, std::vector<Trial> trials) {
     double fastest = 0;
     for (const Trial& trial : trials)
         fastest = std::max(fastest, trial.roundsPerSecond());
-    const Trial& best = bestOf(trials, fastest);
-    const bool isAlone = std::count_if(trials.begin(), trials.end(), [fastest](const Trial& trial) {
-                             return trial.roundsPerSecond() >= NearlyAsMany * fastest;
-                         }) == 1;
+    std::vector<Trial> fast;
+    std::copy_if(trials.begin(), trials.end(), std::back_inserter(fast),
+                 [fastest](const Trial& trial) { return trial.roundsPerSecond() >= NearlyAsMany * fastest; });
+    const Trial& best = *std::min_element(fast.begin(), fast.end(), [](const Trial& one, const Trial& other) {
+        return one.trafficPerRound() < other.trafficPerRound();
+    });
+    const bool isAlone = fast.size() == 1;
     const std::string reason = std::string(isAlone ? "the most rounds a second" : "as many rounds a second as any") +
                                " (" + fixedNumber(best.roundsPerSecond(), 1) + ")" +
                                (isAlone ? "" : ", with the fewest bytes on the wire") + ": " + roundWords(best);
