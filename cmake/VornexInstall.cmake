@@ -1,6 +1,7 @@
-# cmake --install, in three components:
+# cmake --install, in four components:
 #   runtime  the library, as a host loads it
 #   tools    vornex-label and vornex-sim, the dissector, an example plant, the pages for who uses them; marked so in tools/
+#   edge     vornex-edge and its unit for systemd; marked so in tools/edge
 #   dev      headers, link name, CMake package and pkg-config file, the example host, the pages for who writes a host
 include(CMakePackageConfigHelpers)
 

@@ -31,6 +31,9 @@ set(CPACK_COMPONENTS_ALL runtime dev)
 if(VORNEX_TOOLS)
   list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
+if(vornex_with_edge)
+  list(APPEND CPACK_COMPONENTS_ALL edge)
+endif()
 set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_SOURCE_DIR}/cmake/package/Generators.cmake")
 set(CPACK_PRE_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/package/Stage.cmake")
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/package/Repack.cmake")
@@ -59,6 +62,13 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} ${this_version}")
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
     "vornex-label reads, writes and watches a controller's variables by label;\nvornex-sim is a controller to try it on.")
+set(CPACK_DEBIAN_EDGE_PACKAGE_NAME vornex-edge)
+set(CPACK_DEBIAN_EDGE_PACKAGE_SECTION net)
+set(CPACK_DEBIAN_EDGE_PACKAGE_DEPENDS "${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} ${this_version}")
+set(CPACK_DEBIAN_EDGE_PACKAGE_RECOMMENDS vornex-label-tools)  # whose pages are its manual
+set(CPACK_DEBIAN_EDGE_PACKAGE_SUGGESTS mosquitto)
+set(CPACK_COMPONENT_EDGE_DESCRIPTION
+    "vornex-edge publishes a controller's variables to an MQTT broker as Sparkplug B\nand takes commands back, one process for each controller.")
 
 # The library's name is its package's; hosts that link it get the dependency from here.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
