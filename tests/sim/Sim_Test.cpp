@@ -37,6 +37,8 @@ struct Refused_Start {
 };
 
 TEST(Sim, refusesWhatItDoesNotKnow) {
+    const std::string doubtful = ::testing::TempDir() + "doubtful.json";
+    std::ofstream(doubtful) << "{\"format\": 1, \"labels\": [],\n \"lables\": 1}";
     const Refused_Start rows[] = {
         {{"--falt", "crc", "--pattern"}, 1, "--falt"},
         {{}, 1, "--labels or --pattern is required"},
@@ -47,6 +49,7 @@ TEST(Sim, refusesWhatItDoesNotKnow) {
         {{"--pattern", "-p", "65536"}, 1, "--port: '65536' is not a whole number from 0 to 65535"},
         {{"--pattern", "--max-frame", "011"}, 1, "'011' is not a whole number from 12 to 65541"},
         {{"-l", "no/such.json"}, 2, "no/such.json: cannot be read"},
+        {{"-l", doubtful, "--strict"}, 2, "doubtful.json:2: unknown key \"lables\"; did you mean 'labels'?"},
         {{"--pattern", "--listen", "192.0.2.1"}, 3, "cannot listen on 192.0.2.1"},
     };
     for (const Refused_Start& row : rows) {

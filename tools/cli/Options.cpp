@@ -120,6 +120,11 @@ void addDuration(CLI::App& app, const std::string& names, double& seconds, doubl
     app.add_option(names, take, help + remark("", shown(seconds)))->type_name("TIME")->check(check);
 }
 
+void addLabelFile(CLI::App& app, std::string& file, bool& isStrict, const std::string& help) {
+    addText(app, "-l,--labels", "FILE", file, help);
+    addFlag(app, "--strict", isStrict, "What is doubtful in it is an error: unknown keys and columns.");
+}
+
 template <class Target>
 using Add_Number = void(CLI::App&, const std::string&, const std::string&, Target&, Number_Of<Target>,
                         Number_Of<Target>, const std::string&);

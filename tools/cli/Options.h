@@ -53,6 +53,9 @@ template <class Target>
 void addNumber(CLI::App& app, const std::string& names, const std::string& value, Target& target, Number_Of<Target> low,
                Number_Of<Target> high, const std::string& help);
 
+// The label file, -l, and --strict, which readLabelFile() takes.
+void addLabelFile(CLI::App& app, std::string& file, bool& isStrict, const std::string& help = "The label file.");
+
 // A duration in seconds, given as 90, 90s, 5min, 8h or 2d.
 void addDuration(CLI::App& app, const std::string& names, double& seconds, double low, double high,
                  const std::string& help);

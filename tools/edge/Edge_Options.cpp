@@ -6,6 +6,7 @@
 #include "cli/Defaults.h"
 #include "cli/Options.h"
 #include "cli/Program.h"
+#include "link_options/Link_Options.h"
 
 namespace vornex::edge {
 
@@ -63,18 +64,9 @@ void addNode(CLI::App& app, Edge_Options& options) {
 
 void addController(CLI::App& app, Edge_Options& options) {
     startGroup(app, "Controller");
-    addText(app, "-l,--labels", "FILE", options.labelFile, "The label file.");
-    addText(app, "-t,--target", "TARGET", options.host.target,
-            "The controller: HOST:PORT, or a name of vornex.toml; without it the label file's \"target\".");
-    addNumber(app, "-T,--timeout", "MS", options.host.timeoutMs, 1, 600000,
-              "How long a reply or a connection may take.");
-    addNumber(app, "--settle", "MS", options.host.settleMs, 0, 10000,
-              "How long a new connection is listened to before the first request.");
-    addNumber(app, "-R,--retries", "N", options.host.retries, 0, 1000,
-              "Failed replies that the driver bears before it gives up.");
-    addNumber(app, "-m,--max-bytes", "N", options.host.maxBytes, 1, LongestRequest,
-              "Bytes of one read request at most.");
-    addText(app, "--library", "FILE", options.library, "The driver library; without it the one beside the tool.");
+    addLabelFile(app, options.labelFile, options.isStrict);
+    addLinkOptions(app, options.host);
+    addLibraryOption(app, options.library);
 }
 
 }  // namespace

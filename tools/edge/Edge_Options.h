@@ -14,6 +14,7 @@ namespace vornex::edge {
 struct Edge_Options {
     Host_Settings host;
     std::string labelFile;
+    bool isStrict = false;
     std::string library;
     std::string broker = "127.0.0.1:1883";
     std::string user, passwordFile;

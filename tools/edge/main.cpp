@@ -90,7 +90,8 @@ Exit_Code serve(const Edge_Options& options) {
     if (options.poll.empty()) throw std::invalid_argument("nothing to publish: --poll says what");
     if (options.stateFolder.empty() && !options.checksOnly)
         throw std::invalid_argument("--state DIR is needed: values are kept there while the broker is away");
-    const Label_File file = readLabelFile(options.labelFile);
+    const Label_File file = readLabelFile(options.labelFile, options.isStrict,
+                                          [](const std::string& warning) { tellOnError("warning: " + warning); });
     const Driver_Library library(options.library);
     Session session(library, options.host, file);
     Published_Labels labels(session, file, parsePollGroups(options.poll), writableOf(options));

@@ -5,25 +5,15 @@
 #include "cli/Options.h"
 #include "host/Variables.h"
 #include "labels/Label_Type.h"
+#include "link_options/Link_Options.h"
 
 namespace vornex {
 
 namespace {
 
-void addLinkOptions(CLI::App& app, Common_Options& values) {
+void addLinkGroup(CLI::App& app, Common_Options& values, unsigned uses) {
     startGroup(app, "Link options");
-    addText(
-        app, "-t,--target", "TARGET", values.host.target,
-        "The controller: HOST:PORT, or a name of vornex.toml; without it the label file's \"target\". watch and stats "
-        "take several, with commas between.");
-    addNumber(app, "-T,--timeout", "MS", values.host.timeoutMs, 1, 600000,
-              "How long a reply or a connection may take.");
-    addNumber(app, "--settle", "MS", values.host.settleMs, 0, 10000,
-              "How long a new connection is listened to before the first request; what comes closes it.");
-    addNumber(app, "-R,--retries", "N", values.host.retries, 0, 1000,
-              "Failed replies that the driver bears before it gives up.");
-    addNumber(app, "-m,--max-bytes", "N", values.host.maxBytes, 1, LongestRequest,
-              "Bytes of one read request at most.");
+    addLinkOptions(app, values.host, uses & UsesSeveral ? Controllers::Several : Controllers::One);
     addTexts(app, "--trace", "FILE", values.traces,
              "Record every frame and reply: .txt to be read, .jsonl for replay, .hex for text2pcap, - for stderr.");
     addFlag(app, "--append", values.append, "Continue output files that exist already.");
@@ -33,14 +23,10 @@ void addLinkOptions(CLI::App& app, Common_Options& values) {
 }  // namespace
 
 void addCommonOptions(CLI::App& app, Common_Options& values, unsigned uses) {
-    if ((uses & UsesLink) == UsesLink) addLinkOptions(app, values);
+    if ((uses & UsesLink) == UsesLink) addLinkGroup(app, values, uses);
     startGroup(app, "Common options");
-    if (uses & UsesLabels) addText(app, "-l,--labels", "FILE", values.labelFile, "The label file.");
-    if (uses & UsesLabels)
-        addFlag(app, "--strict", values.strict, "What is doubtful in it is an error: unknown keys and columns.");
-    if (uses & UsesDriver) {
-        addText(app, "--library", "FILE", values.library, "The driver library; without it the one beside the tool.");
-    }
+    if (uses & UsesLabels) addLabelFile(app, values.labelFile, values.strict);
+    if (uses & UsesDriver) addLibraryOption(app, values.library);
     std::vector<std::string> formats = {"text", "json", "csv"};
     if (uses & UsesInflux) formats.push_back("influx");
     addChoice(app, "-o,--output", formats, values.format, "How data is written; json: an object a line.");

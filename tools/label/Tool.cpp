@@ -37,12 +37,7 @@ const Label_File& Tool::labels() {
 }
 
 Label_File Tool::readLabels(const std::string& path) {
-    Label_File file = readLabelFile(path);
-    for (const std::string& warning : file.warnings) {
-        if (options.strict) throw File_Error(warning);
-        out.warn(warning);
-    }
-    return file;
+    return readLabelFile(path, options.strict, [this](const std::string& warning) { out.warn(warning); });
 }
 
 const Label_File& Tool::labelsIfAny() { return options.labelFile.empty() ? noLabels : labels(); }

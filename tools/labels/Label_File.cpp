@@ -229,6 +229,15 @@ Label_File parseLabelFile(const std::string& text, const std::string& path) {
 
 Label_File readLabelFile(const std::string& path) { return parseLabels(wholeUtf8(path), path); }
 
+Label_File readLabelFile(const std::string& path, bool isStrict, const std::function<void(const std::string&)>& warn) {
+    Label_File file = readLabelFile(path);
+    for (const std::string& warning : file.warnings) {
+        if (isStrict) throw File_Error(warning);
+        warn(warning);
+    }
+    return file;
+}
+
 bool isCsvName(const std::string& path) { return endsIn(lowered(path), ".csv"); }
 
 Label_File parseLabels(const std::string& text, const std::string& path) {

@@ -51,6 +51,8 @@ struct Label_File {
 // ends in .csv is read as Label_Csv.h describes.
 bool isCsvName(const std::string& path);
 Label_File readLabelFile(const std::string& path);
+// The same, and what was passed over goes to `warn` line by line. With isStrict it is a mistake like any other.
+Label_File readLabelFile(const std::string& path, bool isStrict, const std::function<void(const std::string&)>& warn);
 // The same for text in memory that was read from `path`.
 Label_File parseLabels(const std::string& text, const std::string& path);
 // The same for JSON in memory; `path` is only for messages.

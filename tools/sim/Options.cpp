@@ -47,7 +47,7 @@ Page simulatorPage() {
 }
 
 void addServing(CLI::App& app, Options& options) {
-    addText(app, "-l,--labels", "FILE", options.labels, "Label file: what is in the memory and how it moves.");
+    addLabelFile(app, options.labels, options.isStrict, "Label file: what is in the memory and how it moves.");
     addNumber(app, "-p,--port", "PORT", options.port, 0, 65535,
               "TCP port; 0 takes a free one, none that of the label file's target, or a free one.");
     addText(app, "--listen", "ADDR", options.listen, "Address to listen on.");

@@ -15,6 +15,7 @@ enum class Exit_Code { Ok = 0, Usage = 1, Labels = 2, NoPort = 3, ExpectationFai
 
 struct Options {
     std::string labels;
+    bool isStrict = false;
     std::string listen = "127.0.0.1";
     std::optional<unsigned short> port;  // none: the port of the label file's target
     std::vector<std::string> faults;

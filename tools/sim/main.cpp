@@ -157,9 +157,9 @@ int runSimulator(int argc, char** argv) {
     try {
         if (const std::optional<int> code = readOptions(argc, argv, options)) return *code;
         Log_Writer writer(options);
-        const Label_File labels = options.labels.empty() ? Label_File() : readLabelFile(options.labels);
-        for (const std::string& warning : labels.warnings)
-            std::cerr << "vornex-sim: warning: " << warning << "\n";
+        const auto warn = [](const std::string& warning) { tellMistake("vornex-sim: warning: " + warning); };
+        const Label_File labels =
+            options.labels.empty() ? Label_File() : readLabelFile(options.labels, options.isStrict, warn);
         return serve(options, labels, writer);
     } catch (const File_Error& error) {
         tellMistake(error.what());
