@@ -22,7 +22,7 @@ need() {
 # What building library, tools and tests takes.
 need_build() {
   need cmake ninja-build g++ pkg-config qtbase5-dev libcli11-dev nlohmann-json3-dev libasio-dev libgtest-dev \
-    libmosquitto-dev libprotobuf-dev protobuf-compiler
+    libmosquitto-dev libprotobuf-dev protobuf-compiler libqwt-qt5-dev libqt5svg5-dev
 }
 
 # build FOLDER [CMAKE OPTION...]: configures and builds; prints the log only when it fails.
