@@ -11,6 +11,8 @@ namespace {
 constexpr std::size_t CellLimit = 2000000;  // some 250,000 labels
 const char ByteOrderMark[] = "\xEF\xBB\xBF";
 
+std::size_t beginOf(const std::string& text) { return text.compare(0, 3, ByteOrderMark) == 0 ? 3 : 0; }
+
 // The separator that the heading line uses, whose cells are plain words. `at`: where the first line begins.
 char separatorOf(const std::string& text, std::size_t at) {
     while (at < text.size() && (text[at] == '#' || text[at] == '\n' || text[at] == '\r')) {
@@ -23,16 +25,17 @@ char separatorOf(const std::string& text, std::size_t at) {
 
 class Csv_Reader {
 public:
-    Csv_Reader(const std::string& csvText, const std::string& csvPath)
+    Csv_Reader(const std::string& csvText, const std::string& csvPath, const Csv_Form& form)
         : text(csvText),
           path(csvPath),
-          at(csvText.compare(0, 3, ByteOrderMark) == 0 ? 3 : 0),
-          separator(separatorOf(csvText, at)) {}
+          at(beginOf(csvText)),
+          separator(form.separator),
+          hasComments(form.hasComments) {}
 
     std::vector<std::vector<Csv_Cell>> rows() {
         std::vector<std::vector<Csv_Cell>> table;
         while (at < text.size()) {
-            if (text[at] == '#') {
+            if (hasComments && text[at] == '#') {
                 while (at < text.size() && take() != '\n') {
                 }
                 continue;
@@ -117,6 +120,7 @@ private:
     const std::string& path;
     std::size_t at;
     const char separator;
+    const bool hasComments;
     int line = 1;
     int column = 1;
     std::size_t cellCount = 0;
@@ -125,7 +129,11 @@ private:
 }  // namespace
 
 std::vector<std::vector<Csv_Cell>> parseCsv(const std::string& text, const std::string& path) {
-    return Csv_Reader(text, path).rows();
+    return parseCsv(text, path, {separatorOf(text, beginOf(text)), true});
+}
+
+std::vector<std::vector<Csv_Cell>> parseCsv(const std::string& text, const std::string& path, const Csv_Form& form) {
+    return Csv_Reader(text, path, form).rows();
 }
 
 std::string formatCsvCell(const std::string& text, char separator) {

@@ -19,6 +19,13 @@ struct Csv_Cell {
 // Throws File_Error "PATH:LINE:COLUMN: REASON" for a quote that is never closed and for text beside quotes.
 std::vector<std::vector<Csv_Cell>> parseCsv(const std::string& text, const std::string& path);
 
+// How the tables of other programs differ.
+struct Csv_Form {
+    char separator = ',';     // any character but quote and line end
+    bool hasComments = true;  // else a row that begins with '#' is one like others
+};
+std::vector<std::vector<Csv_Cell>> parseCsv(const std::string& text, const std::string& path, const Csv_Form& form);
+
 // The cell as it is written, in quotes when it needs them.
 std::string formatCsvCell(const std::string& text, char separator = ',');
 

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "label/Tool.h"
+#include "label/verbs/Labels_Verbs.h"
 #include "label/verbs/Verb_Table.h"
 #include "labels/Label_Csv.h"
 #include "labels/Label_Lint.h"
@@ -43,17 +44,13 @@ struct Convert_Options {
     bool byteOrderMark = false;
 };
 
-// What the name of a file to be written says. A label file under another name would be read as what it is not.
-std::string formatByName(const std::string& path) {
-    if (isCsvName(path)) return "csv";
-    if (endsIn(lowered(path), ".json")) return "json";
-    throw Tool_Error(Exit_Code::Usage, path + ": a label file ends in .json or .csv; --to takes another name");
-}
-
 Exit_Code runConvert(Tool& tool, const Convert_Options& options) {
     const Label_File file = fileOf(tool, options.input);
     std::string to = options.to;
-    if (to.empty() && !options.output.empty()) to = formatByName(options.output);
+    if (to.empty() && !options.output.empty()) to = labelFormatOf(options.output);
+    if (to.empty() && !options.output.empty())
+        throw Tool_Error(Exit_Code::Usage,
+                         options.output + ": a label file ends in .json or .csv; --to takes another name");
     if (to.empty()) to = isCsvName(file.path) ? "json" : "csv";
     std::string text = to == "csv" ? formatLabelCsv(file, options.separator[0]) : formatLabelJson(file);
     if (to == "csv" && options.byteOrderMark) text.insert(0, "\xEF\xBB\xBF");
@@ -180,9 +177,15 @@ void addNames(Verbs& verbs, CLI::App& group) {
 
 }  // namespace
 
+std::string labelFormatOf(const std::string& path) {
+    if (isCsvName(path)) return "csv";
+    return endsIn(lowered(path), ".json") ? "json" : "";
+}
+
 void addLabelsVerbs(Verbs& verbs) {
     CLI::App& group = addVerb(*verbs.program, "labels", {"Work on label files"});
     addConvert(verbs, group);
+    addImport(verbs, group);
     addLint(verbs, group);
     addNames(verbs, group);
 }
