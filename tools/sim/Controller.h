@@ -25,9 +25,11 @@ struct Stats {
     std::uint64_t bytesWritten = 0;
     std::uint64_t bytesIn = 0;  // on the wire
     std::uint64_t bytesOut = 0;
-    std::uint64_t badFrames = 0;   // wrong check value, start byte, command, body or length
-    std::uint64_t slowFrames = 0;  // not complete in time
-    std::uint64_t memoryFull = 0;  // writes that were not carried out: no room in the memory
+    std::uint64_t badFrames = 0;     // wrong check value, start byte, command, body or length
+    std::uint64_t slowFrames = 0;    // not complete in time
+    std::uint64_t memoryFull = 0;    // writes that were not carried out: no room in the memory
+    std::uint64_t unanswered = 0;    // requests at times when the played record has no reply
+    std::uint64_t bytesUnknown = 0;  // of bytesRead, those that the played record had not shown: answered as 0
 };
 
 // One message to the log, without time and line end.
@@ -55,8 +57,8 @@ public:
     Controller(Plant controlledPlant, Fault_Rules faultRules, Log messageLog);
 
     // Carries the request out and says how to answer: not at all when the memory has no room for a write, as the wire
-    // has no reply that says so. `previous`: this connection's last right answer, empty at its
-    // beginning; updated. `now`: ms since the start.
+    // has no reply that says so, nor when a played record has no reply at that time. `previous`: this connection's last
+    // right answer, empty at its beginning; updated. `now`: ms since the start.
     Delivery answer(const Request& request, std::string& previous, double now);
 
     // The members of Stats, "faults", then "fault.KIND" for every kind.
@@ -69,6 +71,7 @@ public:
 
 private:
     std::optional<Reply> carryOut(const Request& request, double now);
+    void countUnknown(const Request& request);
 };
 
 // Does to the answer what the rules say: first to its content, then to its bytes, then to its way.

@@ -29,7 +29,8 @@ const char* const FrameHelp =
     "A client that leaves its answers lying is not read until it takes them.\n";
 
 const char* const ExitHelp =
-    "0 ok  1 usage  2 label file  3 cannot listen  7 an --expect was not met  8 an output could not be written\n";
+    "0 ok  1 usage  2 label file or record  3 cannot listen  7 an --expect was not met  8 an output could not be "
+    "written\n";
 
 Page simulatorPage() {
     return {"A simulated controller with faults on demand",
@@ -37,6 +38,7 @@ Page simulatorPage() {
             {{"-l examples/plant.json -p 2000", "A controller with the values of the label file."},
              {"-l examples/plant.json -p 0 --fault 'drop@every=50' --fault 'delay(100,400)@p=0.1' --seed 7",
               "One that loses and delays answers."},
+             {"--serve link.jsonl -p 2000 --speed 10", "A record of a link, played as the controller."},
              {"--pattern -p 0 --control - --expect 'writes>=3' -o json", "One that is driven by a script and judged."}},
             {{"Motions (\"sim\" in the label file)", MotionHelp},
              {"Faults", faultHelp()},
@@ -53,6 +55,24 @@ void addServing(CLI::App& app, Options& options) {
     addText(app, "--listen", "ADDR", options.listen, "Address to listen on.");
     addTextOr(app, "--pattern", "STEP", "read", options.pattern,
               "A pattern instead of values: read, fixed:N or a period like 250ms; alone: read.");
+}
+
+void addPlaying(CLI::App& app, Options& options) {
+    addText(app, "--serve", "FILE", options.record,
+            "Play the replies of a record (vornex-label --trace FILE.jsonl) as the controller.");
+    addNumber(app, "--speed", "X", options.speed, 0.01, 1000.0, "How much faster than the record.");
+    addFlag(app, "--loop", options.loops, "At the record's end begin again; without it the last values stay.");
+    addChoice(app, "--gaps", {"keep", "skip"}, options.gaps,
+              "Times without a link or a reply: as they were, or left out.");
+}
+
+// Why these do not go together; empty when they do.
+std::string conflictIn(const Options& options) {
+    if (options.record.empty()) {
+        const bool isForNothing = options.speed != 1 || options.loops || options.gaps != "keep";
+        return isForNothing ? "--speed, --loop and --gaps are for --serve" : "";
+    }
+    return options.pattern.empty() ? "" : "--serve and --pattern do not go together";
 }
 
 void addTesting(CLI::App& app, Options& options) {
@@ -93,13 +113,17 @@ void takeDefaults(CLI::App& app) {
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
     const std::shared_ptr<CLI::App> app = makeProgram("vornex-sim", VORNEX_VERSION, simulatorPage());
     addServing(*app, options);
+    addPlaying(*app, options);
     addTesting(*app, options);
     addCaps(*app, options);
     addOutput(*app, options);
     if (const std::optional<int> code = parseCommandLine(*app, argc, argv)) return code;
-    if (options.pattern.empty()) takeDefaults(*app);
-    if (!options.labels.empty() || !options.pattern.empty()) return std::nullopt;
-    std::cerr << "vornex-sim: --labels or --pattern is required; see --help\n";
+    if (options.pattern.empty() && options.record.empty()) takeDefaults(*app);
+    std::string mistake = conflictIn(options);
+    if (options.labels.empty() && options.pattern.empty() && options.record.empty())
+        mistake = "--labels or --pattern is required";
+    if (mistake.empty()) return std::nullopt;
+    std::cerr << "vornex-sim: " << mistake << "; see --help\n";
     return int(Exit_Code::Usage);
 }
 

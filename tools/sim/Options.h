@@ -21,6 +21,10 @@ struct Options {
     std::vector<std::string> faults;
     std::vector<std::string> expectations;
     std::string pattern;  // empty: off
+    std::string record;   // empty: none
+    double speed = 1;
+    bool loops = false;
+    std::string gaps = "keep";
     std::string control;  // empty: none; "-": standard input; else a path
     std::string output = "text";
     std::string logFile;  // empty: standard error

@@ -44,7 +44,7 @@ std::string summaryText(const Summary& summary) {
     for (const char* name : {"clients", "requests", "reads", "writes", "bytesRead", "bytesWritten", "faults"}) {
         text += counted(summary, name);
     }
-    for (const char* name : {"clientsRefused", "badFrames", "slowFrames", "memoryFull"}) {
+    for (const char* name : {"clientsRefused", "badFrames", "slowFrames", "memoryFull", "unanswered", "bytesUnknown"}) {
         if (counterNamed(summary.counters, name)) text += counted(summary, name);
     }
     text += "\n";

@@ -1,6 +1,7 @@
 // vornex-sim: puts the parts together.
 #include <csignal>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -69,12 +70,23 @@ unsigned short portOf(const Options& options, const Label_File& labels) {
     return parseHostPort(labels.target).port;
 }
 
-Controller makeController(const Options& options, const Label_File& labels, const Log& log) {
-    const Pattern pattern = options.pattern.empty() ? Pattern() : parsePattern(options.pattern);
+// Null without --serve.
+std::unique_ptr<Played_Record> openRecord(const Options& options) {
+    if (options.record.empty()) return nullptr;
+    const auto tell = [](const std::string& words) { tellMistake("vornex-sim: " + words); };
+    const Play play = {options.record, options.speed, options.loops, options.gaps == "skip", options.memory << 20};
+    return std::make_unique<Played_Record>(play, tell);
+}
+
+Controller makeController(const Options& options, const Label_File& labels, std::unique_ptr<Played_Record> record,
+                          const Log& log) {
     Fault_Rules faults(options.seed);
     for (const std::string& fault : options.faults)
         faults.add(fault);
-    return Controller(Plant(labels, pattern, options.seed, options.memory << 20), std::move(faults), log);
+    const std::uint64_t memory = options.memory << 20;
+    if (record) return Controller(Plant(labels, std::move(record), memory), std::move(faults), log);
+    const Pattern pattern = options.pattern.empty() ? Pattern() : parsePattern(options.pattern);
+    return Controller(Plant(labels, pattern, options.seed, memory), std::move(faults), log);
 }
 
 std::vector<Comparison> readExpectations(const Options& options, const Controller& controller) {
@@ -120,10 +132,10 @@ void run(Running& running, Server& server) {
     running.signals.clear();  // nobody takes them any more: the next one ends a summary that nobody reads
 }
 
-int serve(const Options& options, const Label_File& labels, Log_Writer& writer) {
+int serve(const Options& options, const Label_File& labels, std::unique_ptr<Played_Record> record, Log_Writer& writer) {
     const Log log = [&writer](const std::string& text) { writer.write(text); };
     const Log trace = options.verbose ? log : [](const std::string&) {};
-    Controller controller = makeController(options, labels, log);
+    Controller controller = makeController(options, labels, std::move(record), log);
     const std::vector<Comparison> expectations = readExpectations(options, controller);
 
     Running running;
@@ -145,9 +157,11 @@ int serve(const Options& options, const Label_File& labels, Log_Writer& writer) 
     } catch (const std::system_error& error) {
         return cannotListen(options.control, error);
     }
+    if (!options.record.empty()) server.followRecord();
     run(running, server);
     const Summary summary = summarise();
     printText(options.output == "json" ? summaryJson(summary) + "\n" : summaryText(summary));
+    if (controller.plant.recordFailed()) return int(Exit_Code::Labels);
     if (!allMet(summary)) return int(Exit_Code::ExpectationFailed);
     return int(writer.failed() ? Exit_Code::Output : Exit_Code::Ok);
 }
@@ -158,9 +172,10 @@ int runSimulator(int argc, char** argv) {
         if (const std::optional<int> code = readOptions(argc, argv, options)) return *code;
         Log_Writer writer(options);
         const auto warn = [](const std::string& warning) { tellMistake("vornex-sim: warning: " + warning); };
-        const Label_File labels =
-            options.labels.empty() ? Label_File() : readLabelFile(options.labels, options.isStrict, warn);
-        return serve(options, labels, writer);
+        std::unique_ptr<Played_Record> record = openRecord(options);
+        Label_File labels = record ? record->labels() : Label_File();
+        if (!options.labels.empty()) labels = readLabelFile(options.labels, options.isStrict, warn);
+        return serve(options, labels, std::move(record), writer);
     } catch (const File_Error& error) {
         tellMistake(error.what());
         return int(Exit_Code::Labels);

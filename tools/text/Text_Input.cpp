@@ -30,15 +30,20 @@ std::string wholeText(const std::string& path) {
     return text;
 }
 
-std::string wholeUtf8(const std::string& path) {
-    std::string text = wholeText(path);
+std::string wideEncoding(const std::string& text) {
     const std::string head = text.substr(0, 4) + "xxxx";
     const bool isWide = head.compare(0, 4, std::string("\xFF\xFE\0\0", 4)) == 0 ||
                         head.compare(0, 4, std::string("\0\0\xFE\xFF", 4)) == 0;
     const bool isMarked = head.compare(0, 2, "\xFF\xFE") == 0 || head.compare(0, 2, "\xFE\xFF") == 0;
     const bool isHalfZero = (head[0] == '\0') != (head[1] == '\0');
-    if (isWide || isMarked || isHalfZero)
-        throw File_Error(path + ": is " + (isWide ? "UTF-32" : "UTF-16") + " text; save it as UTF-8");
+    if (isWide) return "UTF-32";
+    return isMarked || isHalfZero ? "UTF-16" : "";
+}
+
+std::string wholeUtf8(const std::string& path) {
+    std::string text = wholeText(path);
+    const std::string encoding = wideEncoding(text);
+    if (!encoding.empty()) throw File_Error(path + ": is " + encoding + " text; save it as UTF-8");
     return text;
 }
 

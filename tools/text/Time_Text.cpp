@@ -7,8 +7,6 @@
 
 #include "text/Number.h"
 
-#include "text/Number.h"
-
 namespace vornex {
 
 std::string timeText(Wall_Time time, Fraction fraction) {
@@ -24,6 +22,29 @@ std::string timeText(Wall_Time time, Fraction fraction) {
     char zone[8];
     std::strftime(zone, sizeof zone, "%z", &parts);  // "+0200"
     return std::string(text) + std::string(zone, 3) + ":" + std::string(zone + 3);
+}
+
+Wall_Time timeOfText(const std::string& text) {
+    const std::string pattern =
+        text.size() == 29 ? "0000-00-00T00:00:00.000+00:00" : "0000-00-00T00:00:00.000000+00:00";
+    const auto fits = [](char letter, char wanted) {
+        if (wanted == '0') return letter >= '0' && letter <= '9';
+        return letter == wanted || (wanted == '+' && letter == '-');
+    };
+    if (text.size() != pattern.size() || !std::equal(text.begin(), text.end(), pattern.begin(), fits))
+        throw std::invalid_argument("'" + text + "' is not a time like 2026-05-17T21:40:01.123456+02:00");
+    const auto number = [&text](std::size_t at, std::size_t digits) { return std::stoi(text.substr(at, digits)); };
+    std::tm parts = {};
+    parts.tm_year = number(0, 4) - 1900;
+    parts.tm_mon = number(5, 2) - 1;
+    parts.tm_mday = number(8, 2);
+    parts.tm_hour = number(11, 2);
+    parts.tm_min = number(14, 2);
+    parts.tm_sec = number(17, 2);
+    const std::size_t zone = text.size() - 6, digits = zone - 20;
+    const int micros = number(20, digits) * (digits == 3 ? 1000 : 1);
+    const int offset = (number(zone + 1, 2) * 60 + number(zone + 4, 2)) * (text[zone] == '-' ? -60 : 60);
+    return std::chrono::system_clock::from_time_t(timegm(&parts) - offset) + std::chrono::microseconds(micros);
 }
 
 std::string fileTimeText(Wall_Time time) {

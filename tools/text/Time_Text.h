@@ -13,6 +13,8 @@ enum class Fraction { Milli, Micro };
 
 // "2026-05-17T21:40:01.123+02:00": ISO 8601, local time with its offset.
 std::string timeText(Wall_Time time, Fraction fraction = Fraction::Milli);
+// The time that timeText() wrote, with either fraction. Throws std::invalid_argument.
+Wall_Time timeOfText(const std::string& text);
 // "20260517T214001": for file names, local time.
 std::string fileTimeText(Wall_Time time);
 // Since 1970, for programs: "1779046801123456789".

@@ -11,6 +11,7 @@
 #include "text/Hex.h"
 #include "text/Text.h"
 #include "values/Keys.h"
+#include "values/Record_Line.h"
 
 namespace vornex {
 
@@ -19,8 +20,6 @@ namespace {
 using Json = nlohmann::json;
 
 // A record of this tool stays below these: they keep a forged one from taking all memory.
-const int DeepestValue = 4;
-const std::int64_t MostValues = 8000000;          // in one line: a poll list has six for each of a million elements
 const std::int64_t MostRequests = 200000;         // that the elements of a poll list are too long for
 const std::int64_t MostUnits = LongestValue / 2;  // of one variable, in the host's counts
 
@@ -50,10 +49,6 @@ std::string frameHex(const Protocol* protocol) {
 }  // namespace
 
 void Trace_Player::start(const Json& event) {
-    if (intOf(event, key::version) != RecordVersion) {
-        throw std::invalid_argument("a record of another version of the tool: this one reads version " +
-                                    std::to_string(RecordVersion));
-    }
     setUpComInfo(comInfo, intOf(event, key::maxBytes, 1, LongestRequest), intOf(event, key::retries, 0, 1000));
     driver.SetComInfo(&comInfo);
     const std::string text = event.at(key::labelText.name);
@@ -143,14 +138,8 @@ void Trace_Player::playEvent(const Json& event) {
 
 void Trace_Player::play(const std::string& line) {
     if (trimmed(line).empty()) return;
-    std::int64_t values = 0;
-    const auto checkSize = [&values](int depth, Json::parse_event_t, Json&) {
-        if (depth > DeepestValue) throw std::invalid_argument("values nest too deep");
-        if (++values > MostValues) throw std::invalid_argument("more than eight million values");
-        return true;
-    };
     try {
-        playEvent(Json::parse(line, checkSize));
+        playEvent(parseRecordLine(line));
     } catch (const Json::exception& mistake) {
         throw std::invalid_argument(mistake.what());
     }

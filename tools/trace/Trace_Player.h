@@ -10,9 +10,6 @@
 
 namespace vornex {
 
-// Of the records that are written and played.
-constexpr int RecordVersion = 2;
-
 // What the driver did otherwise than the record says.
 struct Trace_Difference {
     std::string recorded;

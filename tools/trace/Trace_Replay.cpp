@@ -3,7 +3,7 @@
 #include "text/Hex.h"
 #include "text/Text_Input.h"
 #include "trace/Trace.h"
-#include "trace/Trace_Player.h"
+#include "values/Record_Line.h"
 #include "values/Row.h"
 #include "wire/Frame_Reader.h"
 

@@ -135,6 +135,8 @@ inline constexpr Key bytesOut{"bytesOut", "bytes on the wire from the simulator"
 inline constexpr Key badFrames{"badFrames", "frames with a wrong check value, start, command, body or length"};
 inline constexpr Key slowFrames{"slowFrames", "frames that were not complete in time"};
 inline constexpr Key memoryFull{"memoryFull", "writes that were not carried out: no room in the memory"};
+inline constexpr Key unanswered{"unanswered", "requests while the played record has no link or no reply"};
+inline constexpr Key bytesUnknown{"bytesUnknown", "controller bytes answered as 0: not in the played record so far"};
 inline constexpr Key faults{"faults", "times that a fault was applied"};
 inline constexpr Key faultKinds{"faultKinds", "the same for each kind of fault"};
 inline constexpr Key rules{"rules", "each fault rule: rule, seen, applied"};

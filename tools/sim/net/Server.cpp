@@ -1,6 +1,7 @@
 #include "sim/net/Server.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vornex::sim {
 
@@ -12,7 +13,8 @@ Server::Server(asio::io_context& context, Controller& answeringController, const
       trace(std::move(traceLog)),
       io(context),
       listener(context, answeringController.log, "clients", [this](auto socket) { onAccepted(std::move(socket)); }),
-      reopenTimer(context) {}
+      reopenTimer(context),
+      recordTimer(context) {}
 
 void Server::listen(const std::string& address, unsigned short port) {
     endpoint = asio::ip::tcp::endpoint(asio::ip::make_address(address), port);
@@ -61,6 +63,7 @@ void Server::endSessions(bool reset) {
 void Server::stop(bool reset) {
     listener.stop();
     reopenTimer.cancel();
+    recordTimer.cancel();
     endSessions(reset);
     io.stop();
 }
@@ -85,7 +88,7 @@ void Server::refuse(std::uint64_t milliseconds_) {
 void Server::reopenLater(milliseconds wait) {
     reopenTimer.expires_after(wait);
     reopenTimer.async_wait([this](const asio::error_code& error) {
-        if (error) return;
+        if (error || isDown) return;
         try {
             open();
             listener.start();
@@ -95,6 +98,20 @@ void Server::reopenLater(milliseconds wait) {
             listener.stop();
             reopenLater(milliseconds(100));
         }
+    });
+}
+
+void Server::followRecord() {
+    const bool wasDown = std::exchange(isDown, controller.plant.line(now()) == Played_Record::Line::Down);
+    if (isDown && !wasDown) {
+        controller.log("the record has no link, connections are closed");
+        listener.stop();
+        endSessions(false);
+    }
+    if (wasDown && !isDown) reopenLater(milliseconds(0));
+    recordTimer.expires_after(milliseconds(20));
+    recordTimer.async_wait([this](const asio::error_code& error) {
+        if (!error) followRecord();
     });
 }
 

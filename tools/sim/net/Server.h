@@ -22,6 +22,8 @@ public:
 
     // Throws std::system_error when the address cannot be had. Port 0 takes a free one.
     void listen(const std::string& address, unsigned short port);
+    // From now on there are connections only where the played record has them.
+    void followRecord();
     // "127.0.0.1:2000"
     std::string address() const;
 
@@ -51,6 +53,8 @@ private:
     Accept_Loop<asio::ip::tcp> listener;
     asio::ip::tcp::endpoint endpoint;
     asio::steady_timer reopenTimer;
+    asio::steady_timer recordTimer;
+    bool isDown = false;  // as the played record says
     std::set<std::shared_ptr<Client_Connection>> sessions;
     std::uint64_t clientNumber = 0;
     Clock::time_point started = Clock::now();

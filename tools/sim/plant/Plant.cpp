@@ -45,6 +45,15 @@ Plant::Plant(Label_File labels, const Pattern& patternMode, std::uint64_t noiseS
                      [](const Moving& a, const Moving& b) { return a.address < b.address; });
 }
 
+Plant::Plant(Label_File labels, std::unique_ptr<Played_Record> playedRecord, std::uint64_t memoryBytes)
+    : file(std::move(labels)), seed(0), memory(memoryBytes), record(std::move(playedRecord)) {}
+
+Played_Record::Line Plant::line(double now) {
+    if (!record) return Played_Record::Line::Up;
+    record->advance(now, memory);
+    return record->line();
+}
+
 std::string Plant::placeOf(const Leaf& leaf) const {
     return file.path + ":" + std::to_string(leaf.definition->line) + ": label '" + leaf.text + "': sim: ";
 }
@@ -77,6 +86,7 @@ std::size_t Plant::firstMoving(std::uint32_t address) const {
 
 // Brings the moving values that touch this range up to date.
 void Plant::move(std::uint32_t address, std::size_t bytes, double now) {
+    if (record) record->advance(now, memory);
     const std::uint64_t end = std::uint64_t(address) + bytes;
     for (std::size_t i = firstMoving(address); i < moving.size() && moving[i].address < end; ++i) {
         const Moving& value = moving[i];
@@ -111,6 +121,7 @@ bool Plant::write(std::uint32_t address, const std::string& bytes, double now) {
     if (isPattern()) return true;
     move(address, bytes.size(), now);  // what the write leaves of a moving value stays as it was seen last
     if (!memory.write(address, bytes)) return false;
+    if (record) record->written(address, bytes.size());
     const std::uint64_t end = std::uint64_t(address) + bytes.size();
     const auto first = moving.begin() + static_cast<std::ptrdiff_t>(firstMoving(address));
     const auto last = std::find_if(first, moving.end(), [&](const Moving& value) { return value.address >= end; });

@@ -3,12 +3,14 @@
 #define VORNEX_SIM_PLANT_PLANT_H
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "labels/Label_File.h"
 #include "sim/plant/Memory.h"
+#include "sim/plant/Played_Record.h"
 #include "values/Value_Motion.h"
 #include "wire/Frame.h"
 
@@ -35,6 +37,17 @@ public:
     // Throws File_Error for a motion that makes no sense, or for which the memory has no room, naming its line.
     // `now` in all calls: ms since the start.
     Plant(Label_File labels, const Pattern& pattern, std::uint64_t seed, std::uint64_t memoryBytes = DefaultMemory);
+    // The record's values instead of motions.
+    Plant(Label_File labels, std::unique_ptr<Played_Record> playedRecord, std::uint64_t memoryBytes);
+
+    // Whether the controller answers at this moment; always but for a record.
+    Played_Record::Line line(double now);
+    // How many of these bytes the record has not shown; 0 without one.
+    std::size_t unknown(const Memory_Range& range) const {
+        return record ? record->unknown(range.address, range.bytes) : 0;
+    }
+    // The record was ended by a mistake in it.
+    bool recordFailed() const { return record && record->failed(); }
 
     // The items of the answer to a read: one generation for all of them in pattern mode.
     std::vector<Reply_Item> read(const std::vector<Memory_Range>& items, double now);
@@ -69,6 +82,7 @@ private:
     std::uint64_t seed;
     std::uint64_t generation = 0;  // of the last read, for Step::Read
     Memory memory;
+    std::unique_ptr<Played_Record> record;
     std::vector<Moving> moving;  // by address
 };
 
