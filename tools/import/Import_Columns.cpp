@@ -1,6 +1,7 @@
 #include "import/Import_Columns.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <stdexcept>
 
@@ -113,22 +114,22 @@ Import_Columns findColumns(const std::vector<Row>& rows, const Column_Map& map, 
 }
 
 char findSeparator(const std::string& text) {
-    const std::string all = "\t;,";
-    std::size_t lines[3] = {0, 0, 0};
+    constexpr std::array<char, 3> All = {'\t', ';', ','};  // of equals the first
+    std::array<std::size_t, All.size()> lines = {};
     std::size_t at = 0;
     bool inQuotes = false;
     for (std::size_t line = 0; line < HeadingRows && at < text.size(); ++line) {
-        bool seen[3] = {false, false, false};
+        std::array<bool, All.size()> seen = {};
         for (; at < text.size() && (inQuotes || text[at] != '\n'); ++at) {
             if (text[at] == '"') inQuotes = !inQuotes;
-            const std::size_t which = all.find(text[at]);
-            if (which != std::string::npos && !inQuotes) seen[which] = true;
+            for (std::size_t i = 0; i < All.size(); ++i)
+                seen[i] = seen[i] || (text[at] == All[i] && !inQuotes);
         }
         ++at;
-        for (std::size_t i = 0; i < all.size(); ++i)
+        for (std::size_t i = 0; i < All.size(); ++i)
             lines[i] += seen[i] ? 1 : 0;
     }
-    return all[static_cast<std::size_t>(std::max_element(lines, lines + 3) - lines)];
+    return All[static_cast<std::size_t>(std::max_element(lines.begin(), lines.end()) - lines.begin())];
 }
 
 }  // namespace vornex
