@@ -34,13 +34,14 @@ Host_Port addressOf(const std::string& target) {
 Session::Session(const Driver_Library& driverLibrary, const Host_Settings& hostSettings, const Label_File& labelFile)
     : host(hostSettings),
       library(driverLibrary),
+      labels(labelFile),
       targetText(targetOf(hostSettings, labelFile)),
       exchange(library, host, addressOf(targetText)) {
     setUpComInfo(comInfo, host.maxBytes, host.retries);
     library.SetComInfo(&comInfo);
     library.RegistCallBackFuncIntf(&Session::notify, nullptr);
-    QList<Label_Type_Info> labels = driverLabels(labelFile);
-    library.PassVarName_2(&labels);
+    QList<Label_Type_Info> records = driverLabels(labelFile);
+    library.PassVarName_2(&records);
     runningSession = this;
 }
 
@@ -61,11 +62,16 @@ void Session::connect(First_Connection first) {
     exchange.start();
 }
 
+const Label_Index& Session::labelIndex() {
+    if (!index) index.emplace(labels);
+    return *index;
+}
+
 // A read of no bytes resolves the label into the record and queues nothing.
-std::optional<std::uint32_t> Session::resolve(const std::string& label, int index) {
+std::optional<std::uint32_t> Session::resolve(const std::string& label, int number) {
     RW_VAR request;
     request.label = driverText(label);
-    request.labelIndex = QString::number(index);
+    request.labelIndex = QString::number(number);
     request.remoteStore = NotResolvedMark;
     library.AddListOnceReadVar(&request);
     if (request.remoteStore == NotResolvedMark) return std::nullopt;
@@ -73,9 +79,9 @@ std::optional<std::uint32_t> Session::resolve(const std::string& label, int inde
 }
 
 void Session::setMemoryLabel(std::uint32_t address, int code) {
-    QList<Label_Type_Info> labels = memoryLabel(address, code);
+    QList<Label_Type_Info> records = memoryLabel(address, code);
     const std::lock_guard<std::mutex> lock(exchange.sequence());
-    library.PassVarName_2(&labels);
+    library.PassVarName_2(&records);
     exchange.tell([&](Exchange_Observer& observer) { observer.memoryLabelSet(address, code); });
 }
 

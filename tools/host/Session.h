@@ -31,8 +31,10 @@ public:
     // Connects and starts the exchange. Throws Host_Error Settings (no target), NoConnection or Interrupted.
     void connect(First_Connection first = First_Connection::Needed);
 
+    // Of the label file, made when it is first asked for. By one thread alone.
+    const Label_Index& labelIndex();
     // The controller address of a label, by the driver itself; nothing when it does not resolve.
-    std::optional<std::uint32_t> resolve(const std::string& label, int index);
+    std::optional<std::uint32_t> resolve(const std::string& label, int number);
     // Points MemoryLabel to raw memory, for what no label text leads to. Requests queued earlier keep their address.
     void setMemoryLabel(std::uint32_t address, int code);
 
@@ -67,6 +69,8 @@ private:
 
     const Host_Settings& host;
     const Driver_Library& library;
+    const Label_File& labels;
+    std::optional<Label_Index> index;
     const std::string targetText;
     ComInfo comInfo;
     Exchange_Thread exchange;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <iterator>
 
+#include "host/Selection.h"
 #include "labels/Label_Explain.h"
 #include "labels/Template_Text.h"
 #include "text/Nearest_Word.h"
@@ -11,98 +12,6 @@
 namespace vornex {
 
 namespace {
-
-Variable variableOf(const Leaf& leaf) {
-    Variable variable;
-    variable.text = leaf.text;
-    variable.unit = meaningOf(*leaf.definition).unit;
-    variable.ownView = leaf.view;
-    variable.meaning = leaf.definition->meaning;
-    variable.view = leaf.view;
-    variable.address = leaf.address;
-    variable.bytes = leaf.bytes;
-    variable.range = {driverLabel(leaf), 0, leaf.code, leaf.bytes};
-    return variable;
-}
-
-// The bit of the element that the argument names: "Alarms.Overload"; null when it names none.
-const Named_Number* bitNamed(const Leaf& leaf, const std::string& argument) {
-    const std::size_t size = leaf.text.size();
-    if (argument.size() <= size || argument[size] != '.' || argument.compare(0, size, leaf.text) != 0) return nullptr;
-    return findName(meaningOf(*leaf.definition).bits, argument.substr(size + 1));
-}
-
-void makeBit(Variable& variable, const Named_Number& bit) {
-    variable.text += "." + bit.name;
-    seeAs(variable, View::Bool);
-    variable.bit = static_cast<std::uint32_t>(bit.number);
-    variable.elements = 1;
-}
-
-bool isGlob(const std::string& text) { return text.find_first_of("*?") != std::string::npos; }
-
-// The glob may match the element, or a structure or array that it lies in: 'Motors[*]' stands for all their members.
-bool globCovers(const std::string& pattern, const std::string& leaf) {
-    if (globMatches(pattern, leaf)) return true;
-    for (std::size_t at = leaf.find_first_of(".["); at != std::string::npos; at = leaf.find_first_of(".[", at + 1)) {
-        if (globMatches(pattern, leaf.substr(0, at))) return true;
-    }
-    return false;
-}
-
-// Collects what each argument matches in one walk over the file. A run is what lies in one array without a gap.
-class Selection {
-public:
-    Selection(const Label_File& labelFile, const std::vector<std::string>& texts)
-        : file(labelFile), arguments(texts), found(texts.size()), runStart(texts.size(), 0) {}
-
-    Leaf_Filter filter() const {
-        Leaf_Filter wanted;
-        for (const std::string& argument : arguments)
-            wanted.texts.push_back({argument.substr(0, argument.find_first_of("*?")), isGlob(argument)});
-        return wanted;
-    }
-
-    void take(const Leaf& leaf) {
-        if (leaf.definition != runDefinition || leaf.address != runEnd) endRun();
-        for (std::size_t i = 0; i < arguments.size(); ++i) {
-            const std::string& argument = arguments[i];
-            const Named_Number* const bit = bitNamed(leaf, argument);
-            if (bit || (isGlob(argument) ? globCovers(argument, leaf.text) : leadsOnFrom(argument, leaf.text))) {
-                if (++held > MostElementsHeld) {
-                    throw Host_Error(Host_Error::Kind::Label,
-                                     "'" + argument + "' makes more than a million elements of " + file.path);
-                }
-                found[i].push_back(variableOf(leaf));
-                if (bit) makeBit(found[i].back(), *bit);
-            }
-        }
-        runDefinition = leaf.definition;
-        runEnd = std::uint64_t(leaf.address) + leaf.bytes;
-    }
-
-    // Now it is known how many elements follow each variable of the run.
-    void endRun() {
-        for (std::size_t i = 0; i < found.size(); ++i) {
-            for (; runStart[i] < found[i].size(); ++runStart[i]) {
-                Variable& variable = found[i][runStart[i]];
-                const std::uint64_t elements = (runEnd - variable.address) / variable.bytes;
-                variable.elements = variable.bit ? 1 : static_cast<std::uint32_t>(elements);
-            }
-        }
-    }
-
-    std::vector<Variable>& at(std::size_t i) { return found[i]; }
-
-private:
-    const Label_File& file;
-    const std::vector<std::string>& arguments;
-    std::size_t held = 0;
-    std::vector<std::vector<Variable>> found;
-    std::vector<std::size_t> runStart;  // the first variable of the present run
-    const Label* runDefinition = nullptr;
-    std::uint64_t runEnd = 0;
-};
 
 [[noreturn]] void noSuchLabel(const Label_File& file, const std::string& argument, const Template_Index& index) {
     if (isGlob(argument)) {
@@ -131,7 +40,7 @@ void refuseCarry(Session& session, const Label_File& file, const Variable& varia
 
 // The first wanted element below this beginning of a label text, and how many follow it in its array without a gap, as
 // far as one value reaches. Nothing is held but that.
-std::optional<Variable> firstOf(const Label_File& file, const std::string& beginning,
+std::optional<Variable> firstOf(Session& session, const Label_File& file, const std::string& beginning,
                                 const std::function<bool(const Leaf&)>& isWanted, Extent& extent) {
     std::optional<Variable> first;
     const Label* definition = nullptr;
@@ -153,6 +62,7 @@ std::optional<Variable> firstOf(const Label_File& file, const std::string& begin
     };
     Leaf_Filter filter;
     filter.texts = {{beginning, false}};
+    filter.index = &session.labelIndex();
     forEachLeaf(file, take, filter);
     if (first) first->elements = static_cast<std::uint32_t>((end - first->address) / first->bytes);
     return first;
@@ -180,7 +90,7 @@ Variable resolveSpelling(Session& session, const Label_File& file, const std::st
     const std::string path = pathOf(argument);
     const auto isMeant = [&](const Leaf& leaf) { return leaf.address == *address && isPathOf(leaf, path); };
     Extent extent = Extent::Element;
-    std::optional<Variable> variable = firstOf(file, path.substr(0, path.find('.')), isMeant, extent);
+    std::optional<Variable> variable = firstOf(session, file, path.substr(0, path.find('.')), isMeant, extent);
     if (!variable) noSuchLabel(file, argument, index);
     if (pathOf(variable->text) != path) takeBit(*variable, path.substr(path.rfind('.') + 1));
     variable->range.label = argument;
@@ -243,7 +153,7 @@ Variable firstVariable(Session& session, const Label_File& file, const std::stri
     const auto isMeant = [&](const Leaf& leaf) { return bitNamed(leaf, argument) || leadsOnFrom(argument, leaf.text); };
     std::optional<Variable> first;
     extent = Extent::Several;
-    if (!isGlob(argument)) first = firstOf(file, argument, isMeant, extent);
+    if (!isGlob(argument)) first = firstOf(session, file, argument, isMeant, extent);
     if (first && leadsOnFrom(first->text, argument) && first->text != argument)
         takeBit(*first, argument.substr(first->text.size() + 1));
     if (!first) return findVariables(session, file, {argument}, index).front();

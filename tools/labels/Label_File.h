@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "labels/Label_Type.h"
@@ -86,11 +87,25 @@ struct Wanted_Text {
     bool isBeginning = false;
 };
 
+// Which labels a text may begin with: by their names up to a point or a bracket. For who looks up many texts one by
+// one; it does not see labels that come to the file later.
+class Label_Index {
+public:
+    explicit Label_Index(const Label_File& file);
+    // Places in Label_File::labels.
+    const std::vector<std::size_t>& of(const std::string& text) const;
+
+private:
+    std::unordered_map<std::string, std::vector<std::size_t>> byFirstName;
+};
+
 // What a walk passes over without looking into it, however large it is. Nothing set: it passes over nothing.
 struct Leaf_Filter {
     std::function<bool(const Label&)> definition;  // is this elementary label or member wanted?
     // Only what is wanted, and of the array that it lies in the elements behind it, as far as one value reaches.
     std::vector<Wanted_Text> texts;
+    const Label_Index* index =
+        nullptr;  // of the file, if there is one: a single text then costs no walk over all labels
 };
 
 // Calls `visit` for every elementary element in the file, in file order, arrays in row-major order. Stops when it

@@ -3,7 +3,7 @@
 #include <iterator>
 #include <limits>
 #include <map>
-#include <set>
+#include <unordered_map>
 
 #include "labels/Label_File.h"
 #include "text/Number.h"
@@ -11,6 +11,8 @@
 
 namespace vornex {
 namespace {
+
+std::string firstName(const std::string& text) { return text.substr(0, text.find_first_of(".[")); }
 
 // Steps the indexes to the next element, the last one fastest. False after the last element.
 bool nextElement(const Type_Ref& type, std::vector<int>& indexes) {
@@ -62,28 +64,58 @@ std::vector<int> indexesOf(const Type_Ref& type, std::uint64_t number) {
     return indexes;
 }
 
+using Wanted_Texts = std::vector<const Wanted_Text*>;
+
+// Whether the walk below this path comes to something that is wanted.
+bool mayLeadTo(const Wanted_Text& wanted, const std::string& path) {
+    if (wanted.isBeginning) return path.compare(0, wanted.text.size(), wanted.text, 0, path.size()) == 0;
+    return leadsOnFrom(path, wanted.text) || leadsOnFrom(wanted.text, path);
+}
+
+Wanted_Texts thoseLeadingTo(const Wanted_Texts& texts, const std::string& path) {
+    Wanted_Texts leading;
+    std::copy_if(texts.begin(), texts.end(), std::back_inserter(leading),
+                 [&path](const Wanted_Text* text) { return mayLeadTo(*text, path); });
+    return leading;
+}
+
 class Leaf_Walk {
 public:
     Leaf_Walk(const Label_File& labelFile, const std::function<bool(const Leaf&)>& visitor,
               const Leaf_Filter& leafFilter)
-        : file(labelFile), visit(visitor), filter(leafFilter) {}
+        : file(labelFile), visit(visitor), filter(leafFilter) {
+        for (const Wanted_Text& wanted : filter.texts)
+            (wanted.isBeginning ? beginnings : byFirstName[firstName(wanted.text)]).push_back(&wanted);
+    }
 
     // False when the visitor had enough.
-    bool walk(const Label& label, const std::string& prefix, std::uint32_t base) {
-        const std::string path = prefix + label.name;
-        if (!holdsWanted(label) || !mayLeadToText(path)) return true;
-        const std::optional<std::set<std::uint64_t>> chosen = chosenElements(label.type, path);
-        const std::uint32_t start = base + label.at;
-        if (!chosen) return elements(label, path, start, 0, std::numeric_limits<std::uint64_t>::max());
-        if (label.type.code != 12) {
-            const std::uint64_t reach = LongestValue / elementBytes(file, label.type);
-            return chosen->empty() || elements(label, path, start, *chosen->begin(), *std::prev(chosen->end()) + reach);
-        }
-        return std::all_of(chosen->begin(), chosen->end(),
-                           [&](std::uint64_t number) { return elements(label, path, start, number, number); });
+    bool walk(const Label& label) {
+        Wanted_Texts texts = beginnings;
+        const auto named = byFirstName.empty() ? byFirstName.end() : byFirstName.find(firstName(label.name));
+        if (named != byFirstName.end()) texts.insert(texts.end(), named->second.begin(), named->second.end());
+        return walk(label, "", 0, texts);
     }
 
 private:
+    // However many texts are wanted, each step looks only at those that led to it.
+    bool walk(const Label& label, const std::string& prefix, std::uint32_t base, const Wanted_Texts& before) {
+        const std::string path = prefix + label.name;
+        const Wanted_Texts texts = thoseLeadingTo(before, path);
+        if (isUnwanted(texts) || !holdsWanted(label)) return true;
+        const std::uint32_t start = base + label.at;
+        std::map<std::uint64_t, Wanted_Texts> chosen;
+        if (!chooseElements(label.type, path, texts, chosen))
+            return elements(label, path, start, 0, std::numeric_limits<std::uint64_t>::max(), texts);
+        if (label.type.code != 12) {
+            const std::uint64_t reach = LongestValue / elementBytes(file, label.type);
+            return chosen.empty() ||
+                   elements(label, path, start, chosen.begin()->first, chosen.rbegin()->first + reach, texts);
+        }
+        return std::all_of(chosen.begin(), chosen.end(), [&](const auto& one) {
+            return elements(label, path, start, one.first, one.first, one.second);
+        });
+    }
+
     // Without this a large array of a structure that holds nothing would be walked in vain, for minutes.
     bool holdsWanted(const Label& label) {
         if (label.type.code != 12) return !filter.definition || filter.definition(label);
@@ -97,51 +129,45 @@ private:
         return wantedIn[label.type.structName] = some;
     }
 
-    static bool mayLeadTo(const Wanted_Text& wanted, const std::string& path) {
-        if (wanted.isBeginning) return path.compare(0, wanted.text.size(), wanted.text, 0, path.size()) == 0;
-        return leadsOnFrom(path, wanted.text) || leadsOnFrom(wanted.text, path);
-    }
+    bool isUnwanted(const Wanted_Texts& texts) const { return texts.empty() && !filter.texts.empty(); }
 
-    bool mayLeadToText(const std::string& path) const {
-        return filter.texts.empty() || std::any_of(filter.texts.begin(), filter.texts.end(),
-                                                   [&path](const Wanted_Text& text) { return mayLeadTo(text, path); });
-    }
-
-    // The elements of the array at this path that the wanted texts name; nothing when one wants the whole of it.
-    std::optional<std::set<std::uint64_t>> chosenElements(const Type_Ref& type, const std::string& path) const {
-        if (filter.texts.empty() || type.bounds.empty()) return std::nullopt;
-        std::set<std::uint64_t> chosen;
-        for (const Wanted_Text& wanted : filter.texts) {
-            if (!mayLeadTo(wanted, path)) continue;
-            const std::string rest = wanted.text.substr(std::min(path.size(), wanted.text.size()));
+    // The elements of the array at this path that the texts name, each with its texts. False when it is no array, or
+    // one of the texts wants the whole of it.
+    static bool chooseElements(const Type_Ref& type, const std::string& path, const Wanted_Texts& texts,
+                               std::map<std::uint64_t, Wanted_Texts>& chosen) {
+        if (texts.empty() || type.bounds.empty()) return false;
+        for (const Wanted_Text* wanted : texts) {
+            const std::string rest = wanted->text.substr(std::min(path.size(), wanted->text.size()));
             const std::size_t end = rest.find(']');
-            if (rest.empty() || rest[0] != '[' || (wanted.isBeginning && end == std::string::npos)) return std::nullopt;
-            if (const auto number = elementNumber(type, rest.substr(0, end + 1))) chosen.insert(*number);
+            if (rest.empty() || rest[0] != '[' || (wanted->isBeginning && end == std::string::npos)) return false;
+            if (const auto number = elementNumber(type, rest.substr(0, end + 1))) chosen[*number].push_back(wanted);
         }
-        return chosen;
+        return true;
     }
 
     // The elements from the one number to the other, as far as there are any.
     bool elements(const Label& label, const std::string& path, std::uint32_t start, std::uint64_t first,
-                  std::uint64_t last) {
+                  std::uint64_t last, const Wanted_Texts& texts) {
         const std::uint32_t step = elementBytes(file, label.type);
         std::vector<int> indexes = indexesOf(label.type, first);
         std::uint64_t number = first;
         do {
             const auto address = static_cast<std::uint32_t>(start + number * step);
-            if (!element(label, path + indexGroup(label.type, indexes), address, step)) return false;
+            if (!element(label, path + indexGroup(label.type, indexes), address, step, texts)) return false;
         } while (number++ < last && nextElement(label.type, indexes));
         return true;
     }
 
-    bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes) {
+    bool element(const Label& label, const std::string& text, std::uint32_t address, std::uint32_t bytes,
+                 const Wanted_Texts& before) {
         if (label.type.code != 12) {
             return visit({text, &label, address, label.type.code, bytes, viewOf(label)});
         }
         const auto found = file.structs.find(label.type.structName);
-        if (found == file.structs.end() || !mayLeadToText(text)) return true;
+        const Wanted_Texts texts = thoseLeadingTo(before, text);
+        if (found == file.structs.end() || isUnwanted(texts)) return true;
         for (const Label& member : found->second.members) {
-            if (!walk(member, text + ".", address)) return false;
+            if (!walk(member, text + ".", address, texts)) return false;
         }
         return true;
     }
@@ -149,6 +175,8 @@ private:
     const Label_File& file;
     const std::function<bool(const Leaf&)>& visit;
     const Leaf_Filter& filter;
+    std::unordered_map<std::string, Wanted_Texts> byFirstName;  // without the beginnings
+    Wanted_Texts beginnings;
     std::map<std::string, bool> wantedIn;  // structures looked into so far
 };
 
@@ -156,9 +184,27 @@ private:
 
 void forEachLeaf(const Label_File& file, const std::function<bool(const Leaf&)>& visit, const Leaf_Filter& filter) {
     Leaf_Walk walk(file, visit, filter);
-    for (const Label& label : file.labels) {
-        if (!walk.walk(label, "", 0)) return;
+    if (filter.index && filter.texts.size() == 1 && !filter.texts.front().isBeginning) {
+        for (std::size_t at : filter.index->of(filter.texts.front().text)) {
+            if (!walk.walk(file.labels[at])) return;
+        }
+        return;
     }
+    for (const Label& label : file.labels) {
+        if (!walk.walk(label)) return;
+    }
+}
+
+Label_Index::Label_Index(const Label_File& file) {
+    byFirstName.reserve(file.labels.size());
+    for (std::size_t at = 0; at < file.labels.size(); ++at)
+        byFirstName[firstName(file.labels[at].name)].push_back(at);
+}
+
+const std::vector<std::size_t>& Label_Index::of(const std::string& text) const {
+    static const std::vector<std::size_t> none;
+    const auto found = byFirstName.find(firstName(text));
+    return found == byFirstName.end() ? none : found->second;
 }
 
 std::uint64_t elementsIn(const Label_File& file) {
