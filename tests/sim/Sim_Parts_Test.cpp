@@ -188,6 +188,18 @@ TEST(Sim_Plant, aWriteStopsTheMotionItHits) {
     EXPECT_EQ(hexBytes(plant.read({{10, 6}}, 200)[0].data), "14 00 0B 77 16 00");
 }
 
+TEST(Sim_Plant, aMotionGivenLaterBeginsThen) {
+    Plant plant = makePlant(R"-({"format":1,"labels":[{"name":"A","type":"3","at":10,"sim":"count(10)"},
+                                {"name":"B","type":"3","at":12},{"name":"C","type":"3","at":14}]})-");
+    plant.setMotion(*plant.find("B"), "ramp(0,100,1000)", 500);
+    EXPECT_EQ(hexBytes(plant.peek(10, 6, 500)), "32 00 00 00 00 00");
+    EXPECT_EQ(hexBytes(plant.peek(10, 6, 1000)), "64 00 32 00 00 00") << "half of the ramp, beside another motion";
+    plant.setMotion(*plant.find("B"), "const(7)", 1000);
+    EXPECT_EQ(hexBytes(plant.peek(12, 2, 1500)), "07 00");
+    EXPECT_NE(errorOf([&] { plant.setMotion(*plant.find("B"), "ramp(0,100000,1000)", 1500); }), "accepted");
+    EXPECT_EQ(hexBytes(plant.peek(12, 2, 1500)), "07 00") << "a motion that is refused changes nothing";
+}
+
 TEST(Sim_Plant, aConstIsWrittenAsItWouldBeSet) {
     const struct {
         const char* type;
@@ -258,9 +270,15 @@ TEST(Sim_Control, answersEveryLine) {
         {"fault add crc@n=2", "ok"},
         {"fault list", "crc@n=2 applied 0 of 0\nok"},
         {"fault add crk", "error: fault 'crk': unknown fault"},
+        {"fault add crc@n=2", "ok"},
+        {"fault add drop", "ok"},
+        {"fault remove crc@n=2", "ok"},
+        {"fault list", "crc@n=2 applied 0 of 0\ndrop applied 0 of 0\nok"},
+        {"fault remove crc", "error: no such rule: 'crc'"},
+        {"fault kinds", "drop             no answer\ndelay(MS"},
         {"fault clear", "ok"},
         {"fault list", "ok"},
-        {"fault", "error: fault add RULE, fault list or fault clear"},
+        {"fault", "error: fault add RULE, remove RULE, list, clear or kinds"},
         {"stats", "ok {}"},
         {"stop", "error: unknown command 'stop'"},
     };

@@ -65,6 +65,19 @@ std::string set(std::string rest, Controller& controller, double now) {
     return remark.empty() ? "ok" : "ok, " + remark;
 }
 
+std::string move(std::string rest, Controller& controller, double now) {
+    const Leaf leaf = findLabel(controller, takeWord(rest));
+    if (rest.empty()) throw std::invalid_argument("a motion is missing, like ramp(0,100,500)");
+    controller.plant.setMotion(leaf, rest, now);
+    return "ok";
+}
+
+std::string hold(std::string rest, Controller& controller, double now) {
+    const Leaf leaf = findLabel(controller, takeWord(rest));
+    store(controller, leaf.address, controller.plant.peek(leaf.address, leaf.bytes, now), now);
+    return "ok";
+}
+
 std::string check(std::string rest) {
     const std::uint32_t address = parseAddress(takeWord(rest));
     const std::string bytes = someBytes(rest);
@@ -79,8 +92,12 @@ std::string fault(std::string rest, Controller& controller) {
     const std::string verb = takeWord(rest);
     if (verb == "add") {
         controller.faults.add(rest);
+    } else if (verb == "remove") {
+        if (!controller.faults.remove(rest)) throw std::invalid_argument("no such rule: '" + rest + "'");
     } else if (verb == "clear" && rest.empty()) {
         controller.faults.clear();
+    } else if (verb == "kinds" && rest.empty()) {
+        return faultKinds() + "ok";
     } else if (verb == "list" && rest.empty()) {
         std::string lines;
         for (const Fault_Rule& rule : controller.faults.rules()) {
@@ -88,7 +105,7 @@ std::string fault(std::string rest, Controller& controller) {
         }
         return lines + "ok";
     } else {
-        throw std::invalid_argument("fault add RULE, fault list or fault clear");
+        throw std::invalid_argument("fault add RULE, remove RULE, list, clear or kinds");
     }
     return "ok";
 }
@@ -96,6 +113,8 @@ std::string fault(std::string rest, Controller& controller) {
 std::string run(const std::string& verb, const std::string& rest, Controller& controller, const Control_Hooks& hooks) {
     if (verb == "get") return get(rest, controller, hooks.now());
     if (verb == "set") return set(rest, controller, hooks.now());
+    if (verb == "move") return move(rest, controller, hooks.now());
+    if (verb == "hold") return hold(rest, controller, hooks.now());
     if (verb == "check") return check(rest);
     if (verb == "fault") return fault(rest, controller);
     if (verb == "stats" && rest.empty()) return "ok " + hooks.summary();
@@ -112,8 +131,11 @@ std::string run(const std::string& verb, const std::string& rest, Controller& co
 const char* const ControlHelp =
     "get LABEL | get ADDRESS BYTES      the value, or bytes in hex\n"
     "set LABEL VALUE | set ADDRESS HEX  stops the motion there, if any\n"
+    "move LABEL MOTION                  from now on, beginning at the motion's begin\n"
+    "hold LABEL                         the motion stops where it is\n"
     "check ADDRESS HEX                  pattern mode: do these bytes belong there, and of which generation are they\n"
-    "fault add RULE | fault list | fault clear\n"
+    "fault add RULE | fault remove RULE | fault list | fault clear\n"
+    "fault kinds                        each kind with its arguments and defaults\n"
     "stats                              the summary so far, as JSON\n"
     "quit\n";
 

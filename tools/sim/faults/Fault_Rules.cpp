@@ -125,6 +125,13 @@ bool isPossible(Fault_Kind kind, const Request& request, bool hasPrevious) {
 
 }  // namespace
 
+std::string faultKinds() {
+    std::string text;
+    for (const Kind_Entry& kind : Kinds)
+        text += std::string(kind.help) + "\n";
+    return text;
+}
+
 std::string faultHelp() {
     std::string text = "KIND[(ARGS)][@SELECTOR[,SELECTOR...]]   [defaults]\n";
     for (const Kind_Entry& kind : Kinds)
@@ -149,6 +156,14 @@ Fault_Rule parseFault(const std::string& text) {
         throw std::invalid_argument("fault '" + text + "': " + error.what());
     }
     return rule;
+}
+
+bool Fault_Rules::remove(const std::string& text) {
+    const auto found =
+        std::find_if(active.begin(), active.end(), [&](const Fault_Rule& rule) { return rule.text == text; });
+    if (found == active.end()) return false;
+    active.erase(found);
+    return true;
 }
 
 bool Fault_Rules::hits(Fault_Rule& rule, const Request& request, bool hasPrevious) {

@@ -40,7 +40,9 @@ enum class Fault_Kind {
 };
 constexpr std::size_t FaultKinds = 21;
 
-// Every kind with its arguments and the selectors, for people.
+// Every kind, a line each: "delay(MS[,MOST]) the answer MS later, ... [200]", with the defaults in brackets.
+std::string faultKinds();
+// The same with the selectors, for people.
 std::string faultHelp();
 
 // "KIND[(ARGS)][@SELECTOR[,SELECTOR...]]"; without a selector it is for every request.
@@ -70,6 +72,8 @@ public:
     explicit Fault_Rules(std::uint64_t seed) : noise(seed) {}
 
     void add(const std::string& text) { active.push_back(parseFault(text)); }
+    // The first rule of this text is gone, the others go on counting. False when there is none.
+    bool remove(const std::string& text);
     // The rules are gone, what they did stays counted.
     void clear() { active.clear(); }
     const std::vector<Fault_Rule>& rules() const { return active; }

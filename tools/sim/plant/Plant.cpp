@@ -77,6 +77,18 @@ void Plant::addMotion(const Leaf& leaf, std::uint64_t element) {
     moving.push_back({leaf.address, leaf.bytes, leaf.view, motion, element});
 }
 
+void Plant::setMotion(const Leaf& leaf, const std::string& text, double now) {
+    if (isPattern()) throw std::invalid_argument("pattern mode has no values to move");
+    const Motion motion = parseMotion(text, Value_Form(leaf));
+    const bool isConst = motion.kind == Motion::Kind::Const;
+    if (!write(leaf.address, isConst ? motion.bytes : std::string(leaf.bytes, '\0'), now))
+        throw std::invalid_argument("the memory is full; see --memory");
+    if (isConst) return;
+    const auto place = std::upper_bound(moving.begin(), moving.end(), leaf.address,
+                                        [](std::uint32_t at, const Moving& value) { return at < value.address; });
+    moving.insert(place, {leaf.address, leaf.bytes, leaf.view, motion, 0, now});
+}
+
 std::size_t Plant::firstMoving(std::uint32_t address) const {
     const std::uint32_t from = address < LargestElement ? 0 : address - LargestElement;
     const auto found = std::lower_bound(moving.begin(), moving.end(), from,
@@ -92,7 +104,7 @@ void Plant::move(std::uint32_t address, std::size_t bytes, double now) {
         const Moving& value = moving[i];
         if (std::uint64_t(value.address) + value.bytes <= address) continue;
         const std::uint64_t noise = seed ^ std::uint64_t(value.address) << 20;
-        const double number = motionValue(value.motion, now, value.element, noise);
+        const double number = motionValue(value.motion, now - value.begin, value.element, noise);
         memory.write(value.address, bytesOfNumber(value.view, value.bytes, number));
     }
 }

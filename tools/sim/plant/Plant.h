@@ -57,6 +57,9 @@ public:
 
     // Bytes as a read would show them, without going on to the next generation.
     std::string peek(std::uint32_t address, std::size_t bytes, double now);
+    // The element moves from now on, beginning at the motion's begin; a const stands still. Throws
+    // std::invalid_argument with the reason, and nothing is changed then.
+    void setMotion(const Leaf& leaf, const std::string& motion, double now);
     // The element of this label text. For people, not for requests: it is searched for in the file.
     std::optional<Leaf> find(const std::string& label) const { return findLeaf(file, label); }
 
@@ -70,6 +73,7 @@ private:
         View view;
         Motion motion;
         std::uint64_t element;  // of its label or member, from 0
+        double begin = 0;       // ms since the start
     };
     std::string placeOf(const Leaf& leaf) const;
     void store(const Leaf& leaf, const std::string& bytes);
