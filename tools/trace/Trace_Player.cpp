@@ -1,16 +1,13 @@
 #include "trace/Trace_Player.h"
 
-#include <limits>
 #include <stdexcept>
-
-#include <nlohmann/json.hpp>
 
 #include "host/Driver_Labels.h"
 #include "host/Host_Settings.h"
 #include "host/link/Exchange.h"
 #include "text/Hex.h"
 #include "text/Text.h"
-#include "values/Keys.h"
+#include "trace/Record_Json.h"
 #include "values/Record_Line.h"
 
 namespace vornex {
@@ -19,25 +16,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// A record of this tool stays below these: they keep a forged one from taking all memory.
-const std::int64_t MostRequests = 200000;         // that the elements of a poll list are too long for
-const std::int64_t MostUnits = LongestValue / 2;  // of one variable, in the host's counts
-
-// The whole number of a key or in a list. Throws std::invalid_argument when it is none or not from `low` to `high`.
-std::int64_t numberIn(const Json& value, const std::string& name, std::int64_t low, std::int64_t high) {
-    const bool fits =
-        value.is_number_unsigned()
-            ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())
-            : value.is_number_integer();
-    if (fits && value.get<std::int64_t>() >= low && value.get<std::int64_t>() <= high) return value.get<std::int64_t>();
-    throw std::invalid_argument("\"" + name + "\" is not a whole number from " + std::to_string(low) + " to " +
-                                std::to_string(high));
-}
-
-int intOf(const Json& event, const Key& key, std::int64_t low = std::numeric_limits<int>::min(),
-          std::int64_t high = std::numeric_limits<int>::max()) {
-    return static_cast<int>(numberIn(event.at(key.name), key.name, low, high));
-}
+const std::int64_t MostRequests = 200000;  // that the elements of a poll list are too long for
 
 QString textOf(const Json& event, const Key& key) { return driverText(event.at(key.name).get<std::string>()); }
 
@@ -57,9 +36,7 @@ void Trace_Player::start(const Json& event) {
 }
 
 void Trace_Player::memory(const Json& event) {
-    const std::int64_t address =
-        numberIn(event.at(key::address.name), key::address.name, 0, std::numeric_limits<quint32>::max());
-    passLabels(memoryLabel(static_cast<quint32>(address), intOf(event, key::typeCode, 0, 65535)));
+    passLabels(memoryLabel(addressOf(event), intOf(event, key::typeCode, 0, 65535)));
 }
 
 void Trace_Player::poll(const Json& event) {
