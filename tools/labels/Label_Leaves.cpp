@@ -107,7 +107,7 @@ private:
         if (!chooseElements(label.type, path, texts, chosen))
             return elements(label, path, start, 0, std::numeric_limits<std::uint64_t>::max(), texts);
         if (label.type.code != 12) {
-            const std::uint64_t reach = LongestValue / elementBytes(file, label.type);
+            const std::uint64_t reach = LongestValue / std::max(1u, elementBytes(file, label.type));
             return chosen.empty() ||
                    elements(label, path, start, chosen.begin()->first, chosen.rbegin()->first + reach, texts);
         }
