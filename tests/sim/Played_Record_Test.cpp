@@ -89,6 +89,21 @@ TEST(Played_Record, showsEachMomentAsItWas) {
     }
 }
 
+TEST(Played_Record, aGapAtTheEndIsLeftOutToo) {
+    Play play;
+    play.path = recordOf(Start + std::string("\n") + exchange(10, Write, 20, Ack) +
+                         timed("link", 30, R"("link":"down")"));
+    for (const bool skips : {false, true}) {
+        play.loops = true;
+        play.skipsGaps = skips;
+        Played_Record record(play, {});
+        Memory memory(1 << 20);
+        record.advance(500, memory);  // the next pass begins at 1000
+        EXPECT_EQ(record.line(), skips ? Line::Up : Line::Down);
+        EXPECT_EQ(hexBytes(memory.read(4096, 4)), "11 22 33 44");
+    }
+}
+
 TEST(Played_Record, saysWhatIsWrongAndWhere) {
     const std::string head = Start + std::string("\n");
     const struct {

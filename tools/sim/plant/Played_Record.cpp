@@ -203,7 +203,9 @@ void Played_Record::end(const std::string& words) {
     tell(words);
 }
 
+// A gap that is left out takes no time, but for one at the record's end, which lasts until the record begins again.
 Played_Record::Line Played_Record::line() const {
+    if (play.skipsGaps) return Line::Up;
     if (isDown) return Line::Down;
     return isSilent ? Line::Silent : Line::Up;
 }
