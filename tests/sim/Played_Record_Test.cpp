@@ -91,8 +91,8 @@ TEST(Played_Record, showsEachMomentAsItWas) {
 
 TEST(Played_Record, aGapAtTheEndIsLeftOutToo) {
     Play play;
-    play.path = recordOf(Start + std::string("\n") + exchange(10, Write, 20, Ack) +
-                         timed("link", 30, R"("link":"down")"));
+    play.path =
+        recordOf(Start + std::string("\n") + exchange(10, Write, 20, Ack) + timed("link", 30, R"("link":"down")"));
     for (const bool skips : {false, true}) {
         play.loops = true;
         play.skipsGaps = skips;
