@@ -74,14 +74,13 @@ void checkFault(const std::string& text) {
 }
 
 // What the controller of the simulator serves.
-const sim::Plant& plant() {
-    static const sim::Plant plant(parseLabelFile(R"json({"format": 1, "structs": {"S": {"size": 4, "members": [
+sim::Plant plant() {
+    static const Label_File labels = parseLabelFile(R"json({"format": 1, "structs": {"S": {"size": 4, "members": [
             {"name": "A", "type": "3", "at": 0, "sim": "count(10)"}, {"name": "B", "type": "1[0..1]", "at": 2}]}},
             "labels": [{"name": "V", "type": "5", "at": 0, "view": "s32", "sim": "ramp(0,9,100)"},
                        {"name": "T", "type": "10", "at": 16}, {"name": "M", "type": "S[1..3]", "at": 512}]})json",
-                                                 "plant.json"),
-                                  sim::Pattern(), 1);
-    return plant;
+                                                    "plant.json");
+    return {labels, sim::Pattern(), 1};
 }
 
 // The lines of the text, one after the other.

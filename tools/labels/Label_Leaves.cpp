@@ -109,7 +109,7 @@ private:
         if (label.type.code != 12) {
             const std::uint64_t reach = LongestValue / std::max(1u, elementBytes(file, label.type));
             return chosen.empty() ||
-                   elements(label, path, start, chosen.begin()->first, chosen.rbegin()->first + reach, texts);
+                   elements(label, path, start, chosen.begin()->first, std::prev(chosen.end())->first + reach, texts);
         }
         return std::all_of(chosen.begin(), chosen.end(), [&](const auto& one) {
             return elements(label, path, start, one.first, one.first, one.second);
