@@ -117,6 +117,7 @@ void Process::waitForLog(const std::string& text) {
     const double until = clockMs() + WaitLimit;
     while (errors.find(text) == std::string::npos && outputs[1] >= 0 && readMore(until)) {
     }
+    EXPECT_NE(errors.find(text), std::string::npos) << "'" << text << "' is not in the log:\n" << errors;
 }
 
 bool Process::ended(int patience) {

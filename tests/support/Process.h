@@ -30,7 +30,7 @@ public:
     // The next line of its standard output, without the line end. False at its end, or when none comes in time.
     bool nextLine(std::string& line, int patience = WaitLimit);
     std::string readLine();                    // the same; empty when there is none
-    void waitForLog(const std::string& text);  // until it stands in its standard error
+    void waitForLog(const std::string& text);  // until it stands in its standard error; fails when it never does
     // Whether both outputs are at their end, which comes with that of the program, within this time.
     bool ended(int patience);
     // Sends SIGTERM unless it is to end by itself, takes the rest of both outputs, returns the exit code; -1 when it
