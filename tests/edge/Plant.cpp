@@ -32,9 +32,10 @@ int freePort() {
 }  // namespace
 
 // Somebody else may take the port between its choice and the start.
-Broker::Broker(const std::string& workFolder) : folder(workFolder) {
+Broker::Broker(const std::string& workFolder, const std::string& securedBy) : folder(workFolder), security(securedBy) {
     for (int i = 0; i < 5 && !process; ++i) {
         portNumber = freePort();
+        if (!security.empty()) securedNumber = freePort();
         tryStart();
     }
     EXPECT_TRUE(process) << "no broker";
@@ -42,7 +43,11 @@ Broker::Broker(const std::string& workFolder) : folder(workFolder) {
 
 bool Broker::tryStart() {
     const std::string file = folder + "/broker.conf";
-    std::ofstream(file) << "listener " << portNumber << " 127.0.0.1\nallow_anonymous true\nlog_type error\n";
+    std::ofstream text(file);
+    text << "per_listener_settings true\nlog_type error\nlistener " << portNumber
+         << " 127.0.0.1\nallow_anonymous true\n";
+    if (!security.empty()) text << "listener " << securedNumber << " 127.0.0.1\n" << security;
+    text.close();
     auto started = std::make_unique<Process>(std::vector<std::string>{MOSQUITTO, "-c", file});
     for (const double end = clockMs() + WaitLimit; clockMs() < end; usleep(1000)) {
         siginfo_t state = {};

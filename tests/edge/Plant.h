@@ -17,8 +17,10 @@ namespace vornex::test {
 
 class Broker {
 public:
-    explicit Broker(const std::string& folder);
+    // Anybody may come to port(); where `securedBy` has lines of its configuration, they hold for a second port.
+    explicit Broker(const std::string& folder, const std::string& securedBy = "");
     int port() const { return portNumber; }
+    int securedPort() const { return securedNumber; }
     // By SIGKILL; and again on the same port.
     void kill();
     void start();
@@ -26,8 +28,8 @@ public:
 private:
     bool tryStart();
 
-    const std::string folder;
-    int portNumber = 0;
+    const std::string folder, security;
+    int portNumber = 0, securedNumber = 0;
     std::unique_ptr<Process> process;
 };
 

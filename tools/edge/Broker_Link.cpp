@@ -6,6 +6,8 @@
 #include <chrono>
 #include <stdexcept>
 
+#include "text/Text.h"
+
 namespace vornex::edge {
 
 namespace {
@@ -45,6 +47,7 @@ void Broker_Link::setUp() {
     mosquitto_connect_callback_set(client, onConnect);
     mosquitto_message_callback_set(client, onMessage);
     mosquitto_unsubscribe_callback_set(client, onUnsubscribe);
+    mosquitto_log_callback_set(client, onLog);
     if (!settings.user.empty())
         require(mosquitto_username_pw_set(client, settings.user.c_str(),
                                           settings.password.empty() ? nullptr : settings.password.c_str()),
@@ -142,8 +145,10 @@ void Broker_Link::drop() {
 }
 
 void Broker_Link::fail(int code) {
-    const std::string reason = refusal.empty() ? mosquitto_strerror(code) : refusal;
+    std::string reason = refusal.empty() ? mosquitto_strerror(code) : refusal;
+    if (code == MOSQ_ERR_TLS && !lastMistake.empty()) reason = "TLS: " + lastMistake;
     refusal.clear();
+    lastMistake.clear();
     drop();
     happened.push_back([this, reason] { events.brokerLost(reason); });
 }
@@ -162,6 +167,14 @@ void Broker_Link::onMessage(struct mosquitto*, void* self, const struct mosquitt
     link.happened.push_back([&link, topic = std::string(message->topic), payload, isRetained = message->retain] {
         link.events.brokerMessage(topic, payload, isRetained);
     });
+}
+
+// Only here does the library say what is wrong with a certificate, behind numbers: "error:0A000086:SSL
+// routines::REASON".
+void Broker_Link::onLog(struct mosquitto*, void* self, int level, const char* text) {
+    if (level != MOSQ_LOG_ERR) return;
+    const std::string mistake = trimmed(text);
+    static_cast<Broker_Link*>(self)->lastMistake = mistake.substr(mistake.rfind(':') + 1);
 }
 
 void Broker_Link::onUnsubscribe(struct mosquitto*, void* self, int number) {

@@ -67,6 +67,7 @@ private:
     static void onConnect(struct mosquitto*, void* self, int code);
     static void onMessage(struct mosquitto*, void* self, const struct mosquitto_message* message);
     static void onUnsubscribe(struct mosquitto*, void* self, int number);
+    static void onLog(struct mosquitto*, void* self, int level, const char* text);
 
     void setUp();
     void fail(int code);
@@ -80,7 +81,8 @@ private:
     bool isConnected = false;  // the broker has said yes
     std::size_t waiting = 0;   // bytes handed over since the socket took all
     std::vector<std::function<void()>> happened;
-    std::string refusal;  // of the connection, by the broker
+    std::string refusal;      // of the connection, by the broker
+    std::string lastMistake;  // that the library has told since the connection began
 };
 
 }  // namespace vornex::edge

@@ -1,6 +1,7 @@
 // vornex-edge: puts the parts together.
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 
 #include "cli/Defaults.h"
 #include "edge/Edge_Options.h"
@@ -44,7 +45,15 @@ void tellOnError(const std::string& words) {
     }
 }
 
-std::string passwordOf(const std::string& file) { return file.empty() ? "" : trimmed(split(wholeText(file), '\n')[0]); }
+std::string passwordOf(const std::string& file) {
+    if (file.empty()) return "";
+    const std::string password = trimmed(split(wholeText(file), '\n')[0]);
+    std::error_code none;
+    const std::filesystem::perms rights = std::filesystem::status(file, none).permissions();
+    if (!none && (rights & std::filesystem::perms::others_read) != std::filesystem::perms::none)
+        tellOnError(file + ": everybody can read this password");
+    return password;
+}
 
 std::vector<std::string> writableOf(const Edge_Options& options) {
     std::vector<std::string> patterns;
