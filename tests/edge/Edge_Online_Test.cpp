@@ -46,9 +46,9 @@ struct Edge_Online : ::testing::Test {
                                                                   "--device",
                                                                   "press3",
                                                                   "--poll",
-                                                                  "Cycles Motors*.Speed @ 20; Setpoint @ 20",
+                                                                  "Cycles Motors*.Speed @ 20; Setpoint Flow Mode @ 20",
                                                                   "--writable",
-                                                                  "Setpoint",
+                                                                  "Setpoint;Flow",
                                                                   "--state",
                                                                   folder + "/state"});
     }
@@ -73,7 +73,7 @@ TEST_F(Edge_Online, isBornSendsChangesTakesCommandsAndDies) {
     const Heard* const birth = host.waitFor("DBIRTH");
     ASSERT_TRUE(birth);
     EXPECT_EQ(birth->topic, "spBv1.0/plant/DBIRTH/line3/press3");
-    EXPECT_EQ(birth->payload.metrics.size(), 6u);
+    EXPECT_EQ(birth->payload.metrics.size(), 8u);
     ASSERT_TRUE(birth->find("Setpoint") && birth->find("Motors/4/Speed"));
     EXPECT_TRUE(birth->find("Setpoint")->value == edge::Wire_Value(1500u));
     EXPECT_EQ(birth->find("Setpoint")->type, edge::Data_Type::Int16);
@@ -112,6 +112,38 @@ TEST_F(Edge_Online, tellsOfALostControllerAndOfItsReturn) {
     ASSERT_EQ(sim->port(), port);
     EXPECT_TRUE(host.waitFor("DBIRTH"));
     EXPECT_TRUE(host.waitFor("DDATA"));
+    expectRules(host);
+}
+
+// What is shown as 42.3 l/min is 423 in the controller.
+TEST_F(Edge_Online, publishesAndTakesScaledValues) {
+    Plant_Host host(broker.port());
+    const std::unique_ptr<Process> program = edge();
+    const Heard* const birth = host.waitFor("DBIRTH");
+    ASSERT_TRUE(birth && birth->find("Flow") && birth->find("Mode"));
+    EXPECT_EQ(birth->find("Flow")->type, edge::Data_Type::Double);
+    EXPECT_EQ(birth->find("Mode")->type, edge::Data_Type::UInt16);
+    EXPECT_TRUE(birth->find("Mode")->value == edge::Wire_Value(2u));
+
+    host.command(DeviceCommand, "Flow", 250.1);
+    program->waitForLog(
+        "the command for 'Flow' is refused: '250.1' is above the most of what may be written, 250 l/min");
+    host.command(DeviceCommand, "Flow", 42.3);
+    program->waitForLog("'Flow' is written and read back");
+    EXPECT_TRUE(host.waitFor("DDATA", [](const Heard& message) {
+        return message.find("Flow") && message.find("Flow")->value == edge::Wire_Value(42.3);
+    }));
+    sim->writeLine("get Flow");
+    EXPECT_EQ(sim->readLine(), "ok 42.3");
+
+    Process check(
+        {EDGE, "-l", PLANT, "--group", "g", "--node", "n", "--device", "d", "--poll", "Flow Mode @ 20", "--check"});
+    EXPECT_EQ(check.finish(false), 0) << check.log();
+    EXPECT_EQ(check.output(),
+              "spBv1.0/g/DBIRTH/n/d\n"
+              "  Flow  Double  engUnit=l/min  description=into the tank  engLow=0  engHigh=250  high=150\n"
+              "  Mode  UInt16  engHigh=2  states=0 = off, 1 = by hand, 2 = automatic\n");
+    EXPECT_EQ(program->finish(), 0) << program->log();
     expectRules(host);
 }
 

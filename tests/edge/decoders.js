@@ -106,7 +106,7 @@ async function startPlant() {
   }));
   await listen(port);
   const program = start(edge, '-l', plant, '-t', target, '--broker', `127.0.0.1:${port}`, '--group', 'plant', '--node', 'line3',
-    '--device', 'press3', '--poll', 'Setpoint Enable Speed Cycles Pressure Alarms Motors*.Speed Motors*.Id Line*.Level Line*.State Product @ 20',
+    '--device', 'press3', '--poll', 'Setpoint Enable Speed Cycles Pressure Alarms Motors*.Speed Motors*.Id Line*.Level Line*.State Product Flow @ 20',
     '--writable', 'Setpoint', '--state', path.join(work, 'state'));
   return { port, program };
 }
@@ -141,6 +141,10 @@ async function main() {
   assert.strictEqual(find(device, 'Enable').value, true);
   assert.strictEqual(find(device, 'Motors/1/Id').value, 7);
   assert(find(device, 'Motors/1/Speed').value >= 1400 && find(device, 'Motors/1/Speed').value <= 1500);
+  const flow = find(device, 'Flow');
+  assert.strictEqual(flow.type, 'Double');
+  assert.strictEqual(flow.properties.engUnit.value, 'l/min');
+  assert.strictEqual(flow.properties.engHigh.value, 250);
   const before = find(device, 'Cycles').value;
   for (let i = 0; i < 20; ++i) await next('DDATA');
   const after = find(await next('DDATA', (payload) => find(payload, 'Cycles')), 'Cycles').value;

@@ -1,6 +1,8 @@
 #include "edge/Published_Labels.h"
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <unordered_map>
@@ -9,17 +11,59 @@
 #include "edge/payload/Wire_Value.h"
 #include "host/Span_Read.h"
 #include "host/Variable_Value.h"
-#include "values/Value_Codec.h"
+#include "text/Number.h"
+#include "text/Text.h"
 
 namespace vornex::edge {
 
 namespace {
 
-Metric_Entry entryOf(const Variable& variable) {
-    Metric_Entry entry;
-    entry.type = dataTypeOf(variable.view, variable.bytes);
-    if (!variable.unit.empty()) entry.properties.push_back({"engUnit", Data_Type::String, variable.unit});
-    return entry;
+// What of the meaning makes another number of the raw one: names of states and wished decimals are for people.
+std::shared_ptr<const Meaning> numbersOf(const std::shared_ptr<const Meaning>& meaning) {
+    if (!meaning || (meaning->states.empty() && !meaning->decimals)) return meaning;
+    Meaning numbers = *meaning;
+    numbers.states.clear();
+    numbers.decimals.reset();
+    return std::make_shared<const Meaning>(std::move(numbers));
+}
+
+void addNumber(std::vector<Property>& properties, const char* key, const std::optional<double>& number) {
+    if (number) properties.push_back({key, Data_Type::Double, *number});
+}
+
+void addText(std::vector<Property>& properties, const char* key, const std::string& text) {
+    if (!text.empty()) properties.push_back({key, Data_Type::String, text});
+}
+
+std::string statesText(const Meaning& meaning) {
+    std::vector<std::string> states;
+    for (const Named_Number& state : meaning.states)
+        states.push_back(std::to_string(state.number) + " = " + state.name);
+    return joined(states);
+}
+
+std::vector<Property> propertiesOf(const Variable& variable) {
+    std::vector<Property> properties;
+    addText(properties, "engUnit", variable.unit);
+    const std::shared_ptr<const Meaning> meaning = formOf(variable).meaning;
+    if (!meaning) return properties;
+    addText(properties, "description", meaning->description);
+    addNumber(properties, "engLow", meaning->min);
+    addNumber(properties, "engHigh", meaning->max);
+    addNumber(properties, "low", meaning->low);
+    addNumber(properties, "high", meaning->high);
+    addText(properties, "states", statesText(*meaning));
+    return properties;
+}
+
+// A scaled number for which no decimal text leads back to the bytes is shown otherwise, but it is a number.
+Wire_Value wireOf(const Metric_Entry& entry, const Watched& watched) {
+    Wire_Value value = wireValue(entry.type, watched.value);
+    const Value_Form form = formOf(watched.variable);
+    if (!std::holds_alternative<std::monostate>(value) || !form.changes() || entry.type != Data_Type::Double)
+        return value;
+    const std::optional<double> raw = readReal<double>(watched.raw.text);
+    return raw ? Wire_Value(shownNumber(form, *raw)) : value;
 }
 
 }  // namespace
@@ -42,11 +86,16 @@ void Published_Labels::addGroup(Session& session, const Label_File& file, const 
     std::set<std::string> taken;
     for (const Watched& watched : variables)
         taken.insert(watched.variable.text);
+    std::unordered_map<std::shared_ptr<const Meaning>, std::shared_ptr<const Meaning>> numbersOfMeaning;
     for (Variable& variable : findVariables(session, file, group.patterns, Template_Index())) {
         if (!taken.insert(variable.text).second) continue;
-        // a metric's type is that of the bytes
-        if (formOf(variable).changes()) seeAs(variable, variable.view);
-        entries.push_back(entryOf(variable));
+        Metric_Entry entry;
+        entry.properties = propertiesOf(variable);
+        std::shared_ptr<const Meaning>& numbers = numbersOfMeaning[variable.meaning];
+        if (!numbers) numbers = numbersOf(variable.meaning);
+        variable.meaning = numbers;
+        entry.type = dataTypeOf(variable.view, variable.bytes, formOf(variable).changes());
+        entries.push_back(std::move(entry));
         filters.emplace_back(group);
         Watched watched;
         watched.variable = std::move(variable);
@@ -77,17 +126,17 @@ std::uint64_t Published_Labels::intervalMs() const {
 }
 
 Sample Published_Labels::sampleOf(std::size_t metric, std::uint64_t steadyMs, std::uint64_t wallMs) {
-    const Value& value = variables.at(metric).value;
-    filters[metric].publishedOtherwise(value, steadyMs);
-    return {metric, wireValue(entries[metric].type, value), wallMs};
+    const Watched& watched = variables.at(metric);
+    filters[metric].publishedOtherwise(watched.value, steadyMs);
+    return {metric, wireOf(entries[metric], watched), wallMs};
 }
 
 std::vector<Sample> Published_Labels::changes(std::uint64_t steadyMs, std::uint64_t wallMs) {
     std::vector<Sample> samples;
     for (std::size_t i = 0; i < variables.size(); ++i) {
         if (!filters[i].isDue(steadyMs)) continue;
-        const Value& value = variables[i].value;
-        if (filters[i].take(value, steadyMs)) samples.push_back({i, wireValue(entries[i].type, value), wallMs});
+        if (filters[i].take(variables[i].value, steadyMs))
+            samples.push_back({i, wireOf(entries[i], variables[i]), wallMs});
     }
     return samples;
 }
@@ -106,7 +155,7 @@ bool Published_Labels::areFresh() const {
 
 // The value is a stranger's: of what can be typed at a terminal, files are not read here.
 void writeVerified(Session& session, const Variable& variable, const std::string& typed) {
-    const std::string bytes = bytesOf(variable.view, variable.bytes, typed);
+    const std::string bytes = bytesOfShown(formOf(variable), typed);
     checkLimits({variable.ownView, variable.bytes, variable.meaning}, bytes);
     const Completion written = session.wait(session.startWrite(variable.range, hostLayout(variable.range, bytes)));
     if (written.state != Completion::State::Good)

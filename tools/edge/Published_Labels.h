@@ -12,7 +12,8 @@
 namespace vornex::edge {
 
 // In the order of the groups and then of the label file; a metric's index is its place here. What two groups name
-// belongs to the first.
+// belongs to the first. Values are scaled as the label file says, dead bands too; states stay numbers, named by a
+// property.
 class Published_Labels {
 public:
     // `writable`: patterns of what commands may write. Throws Host_Error Label or std::invalid_argument: patterns that

@@ -6,6 +6,7 @@
 #include "cli/Defaults.h"
 #include "edge/Edge_Options.h"
 #include "edge/Edge_Run.h"
+#include "edge/payload/Wire_Value.h"
 #include "text/Output_File.h"
 #include "text/Text.h"
 #include "text/Text_Input.h"
@@ -47,7 +48,7 @@ void tellOnError(const std::string& words) {
 
 std::string passwordOf(const std::string& file) {
     if (file.empty()) return "";
-    const std::string password = trimmed(split(wholeText(file), '\n')[0]);
+    std::string password = trimmed(split(wholeText(file), '\n')[0]);
     std::error_code none;
     const std::filesystem::perms rights = std::filesystem::status(file, none).permissions();
     if (!none && (rights & std::filesystem::perms::others_read) != std::filesystem::perms::none)
@@ -86,9 +87,8 @@ void printMetrics(const Topics& topics, const Published_Labels& labels) {
     std::string text = topics.deviceBirth + "\n";
     for (const Metric_Entry& entry : labels.metrics()) {
         text += "  " + entry.name + "  " + typeName(entry.type);
-        for (const Property& property : entry.properties) {
-            if (const std::string* const words = std::get_if<std::string>(&property.value)) text += "  " + *words;
-        }
+        for (const Property& property : entry.properties)
+            text.append("  ").append(property.key).append("=").append(typedText(property.type, property.value));
         text += entry.isWritable ? "  writable\n" : "\n";
     }
     printText(text);
